@@ -8,9 +8,9 @@
 
 namespace {
 
-constexpr float timeBaseRate      = 66666664.0f; // counts per second
-constexpr uint32_t countsPerTick  = 666666;      // rate / 100, truncated
-constexpr uint32_t tickMillis     = 10;
+constexpr float timeBaseRate     = 66666664.0f; // counts per second
+constexpr uint32_t countsPerTick = 666666;      // rate / 100, truncated
+constexpr uint32_t tickMillis    = 10;
 
 std::atomic<const ClockSource *> clockSource{nullptr};
 // Set once the counter has been started. As on the board there is no lock:
@@ -18,8 +18,7 @@ std::atomic<const ClockSource *> clockSource{nullptr};
 // only programs the counter twice.
 std::atomic<bool> rtcpReady{false};
 
-const ClockSource &source()
-{
+const ClockSource &source() {
     const ClockSource *s = clockSource.load(std::memory_order_acquire);
     return s != nullptr ? *s : ClockPlatformSource();
 }
@@ -30,20 +29,24 @@ void clockReportFailure(const char *) {}
 
 } // namespace
 
-const ClockSource *ClockSourceSet(const ClockSource *s)
-{
+const ClockSource *ClockSourceSet(const ClockSource *s) {
     rtcpReady.store(false, std::memory_order_release);
     return clockSource.exchange(s, std::memory_order_acq_rel);
 }
 
 extern "C" {
 
-float ClockTimeBaseRate(void) { return timeBaseRate; }
-uint32_t ClockCountsPerTick(void) { return countsPerTick; }
-uint32_t ClockTickMillis(void) { return tickMillis; }
+float ClockTimeBaseRate(void) {
+    return timeBaseRate;
+}
+uint32_t ClockCountsPerTick(void) {
+    return countsPerTick;
+}
+uint32_t ClockTickMillis(void) {
+    return tickMillis;
+}
 
-uint32_t ClockTimeBaseRead(uint32_t *high, uint32_t *low)
-{
+uint32_t ClockTimeBaseRead(uint32_t *high, uint32_t *low) {
     const ClockSource &s = source();
     uint32_t upper, lower;
     for (;;) {
@@ -60,10 +63,11 @@ uint32_t ClockTimeBaseRead(uint32_t *high, uint32_t *low)
     return lower;
 }
 
-uint32_t ClockTimeBaseLow(void) { return source().timeBaseLower(); }
+uint32_t ClockTimeBaseLow(void) {
+    return source().timeBaseLower();
+}
 
-void init_rtcp(void)
-{
+void init_rtcp(void) {
     switch (source().startCounter()) {
     case ClockStart::ok:
         rtcpReady.store(true, std::memory_order_release);
@@ -77,8 +81,7 @@ void init_rtcp(void)
     }
 }
 
-uint32_t ClockMillis(void)
-{
+uint32_t ClockMillis(void) {
     if (!rtcpReady.load(std::memory_order_acquire)) {
         init_rtcp();
         if (!rtcpReady.load(std::memory_order_acquire))
@@ -87,19 +90,21 @@ uint32_t ClockMillis(void)
     return source().readCounter();
 }
 
-uint32_t ClockMillisInto(uint32_t *out)
-{
+uint32_t ClockMillisInto(uint32_t *out) {
     uint32_t ms = ClockMillis();
     if (out != nullptr)
         *out = ms;
     return ms;
 }
 
-uint32_t ClockSeconds(void) { return ClockMillis() / 1000; }
-uint32_t ClockTicks(void) { return ClockMillis() / tickMillis; }
+uint32_t ClockSeconds(void) {
+    return ClockMillis() / 1000;
+}
+uint32_t ClockTicks(void) {
+    return ClockMillis() / tickMillis;
+}
 
-int ClockSleep(uint32_t microseconds)
-{
+int ClockSleep(uint32_t microseconds) {
     // The count goes whole into the microseconds field, as the board's
     // callers expect; the kernel folds whole seconds out of it.
     timeval tv{};

@@ -14,17 +14,16 @@
 
 namespace {
 
-constexpr off_t rtcpPage          = 0xe0000000;
-constexpr unsigned rtcpOffset     = 768;    // bytes from the page to word 0
-constexpr uint32_t rtcpStart      = 128;    // word 0: control, starts the counter
-constexpr uint32_t rtcpLoad       = 0;      // word 1: load value
-constexpr uint32_t rtcpPrescaler  = 266666; // word 2: input clocks per millisecond
+constexpr off_t rtcpPage         = 0xe0000000;
+constexpr unsigned rtcpOffset    = 768;    // bytes from the page to word 0
+constexpr uint32_t rtcpStart     = 128;    // word 0: control, starts the counter
+constexpr uint32_t rtcpLoad      = 0;      // word 1: load value
+constexpr uint32_t rtcpPrescaler = 266666; // word 2: input clocks per millisecond
 
 // Word 0 of the counter block; null until a start has succeeded.
 volatile uint32_t *rtcpBlock = nullptr;
 
-ClockStart boardStart()
-{
+ClockStart boardStart() {
     int fd = open("/dev/mem", O_RDWR);
     if (fd < 0)
         return ClockStart::openFailed;
@@ -44,17 +43,17 @@ ClockStart boardStart()
 }
 
 // One aligned load from the hardware register on every call.
-uint32_t boardCounter() { return rtcpBlock[3]; }
+uint32_t boardCounter() {
+    return rtcpBlock[3];
+}
 
-uint32_t boardUpper()
-{
+uint32_t boardUpper() {
     uint32_t v;
     __asm__ __volatile__("mftbu %0" : "=r"(v));
     return v;
 }
 
-uint32_t boardLower()
-{
+uint32_t boardLower() {
     uint32_t v;
     __asm__ __volatile__("mftb %0" : "=r"(v));
     return v;
@@ -64,4 +63,6 @@ constexpr ClockSource boardSource{boardStart, boardCounter, boardUpper, boardLow
 
 } // namespace
 
-const ClockSource &ClockPlatformSource() { return boardSource; }
+const ClockSource &ClockPlatformSource() {
+    return boardSource;
+}

@@ -5,8 +5,7 @@
 #include <cstdlib>
 
 extern "C" void OsAssertFail(const char *expression, const char *file, int line,
-                             const char *function)
-{
+                             const char *function) {
     // One bounded fprintf: no allocation, usable when the heap is broken.
     std::fprintf(stderr, "%s:%d: %s: Assertion `%s' failed.\n", file, line, function, expression);
     std::fflush(stderr);

@@ -26,7 +26,7 @@ extern "C" {
 #define PW_INTERFACE_CMD 1
 #define PW_INTERFACE_DIAG 0
 #define PW_MAX_CHIPS 3
-#define PW_PATH_MAX 49            /* characters of the pipe folder */
+#define PW_PATH_MAX 49 /* characters of the pipe folder */
 #define PW_MAX_PAYLOAD_WORDS 128
 
 /* Return codes of the link. */

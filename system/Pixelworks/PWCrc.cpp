@@ -12,8 +12,7 @@ struct CrcTables {
     std::array<uint8_t, 256> high{};
 };
 
-constexpr CrcTables makeCrcTables()
-{
+constexpr CrcTables makeCrcTables() {
     CrcTables t;
     for (unsigned i = 0; i < 256; ++i) {
         unsigned crc = i;
@@ -32,8 +31,7 @@ static_assert(crcTables.low[255] == 0x40 && crcTables.high[255] == 0x40, "CRC ta
 
 } // namespace
 
-uint16_t PWCrcUpdate(uint16_t state, const uint8_t *data, std::size_t count)
-{
+uint16_t PWCrcUpdate(uint16_t state, const uint8_t *data, std::size_t count) {
     // A holds the low byte of the running CRC, B the high byte.
     uint8_t a = static_cast<uint8_t>(state >> 8);
     uint8_t b = static_cast<uint8_t>(state);
@@ -45,12 +43,10 @@ uint16_t PWCrcUpdate(uint16_t state, const uint8_t *data, std::size_t count)
     return static_cast<uint16_t>(a << 8 | b);
 }
 
-extern "C" uint16_t PWCrc16(const uint8_t *data, uint32_t count)
-{
+extern "C" uint16_t PWCrc16(const uint8_t *data, uint32_t count) {
     return PWCrcUpdate(0xFFFF, data, count);
 }
 
-extern "C" uint16_t PWSwap16(uint16_t value)
-{
+extern "C" uint16_t PWSwap16(uint16_t value) {
     return static_cast<uint16_t>(value << 8 | value >> 8);
 }

@@ -25,10 +25,12 @@ struct PWPipeNames {
     const char *writes;
 };
 
+// clang-format off
 constexpr std::array<PWPipeNames, 2> pipeNames{{
     {PW_INTERFACE_CMD,  "Cmd",  "PWRdCmd",  "PWWtCmd"},
     {PW_INTERFACE_DIAG, "Diag", "PWRdDiag", "PWWtDiag"},
 }};
+// clang-format on
 
 // A path is "%s/%s%d": at most 49 + 1 + 8 + 1 characters.
 constexpr std::size_t pipePathSize = PW_PATH_MAX + 11;
@@ -39,18 +41,20 @@ PWHandleTable cmdHandles{};
 PWHandleTable diagHandles{};
 char pipeFolder[PW_PATH_MAX + 1];
 
-const PWPipeNames &namesFor(int interface)
-{
+const PWPipeNames &namesFor(int interface) {
     return interface == PW_INTERFACE_CMD ? pipeNames[0] : pipeNames[1];
 }
 
 // strerror_r comes in two forms; either way the text ends up in `buf` or is
 // returned.
-[[maybe_unused]] const char *errorText(int result, const char *buf) { return result == 0 ? buf : "?"; }
-[[maybe_unused]] const char *errorText(const char *result, const char *) { return result; }
+[[maybe_unused]] const char *errorText(int result, const char *buf) {
+    return result == 0 ? buf : "?";
+}
+[[maybe_unused]] const char *errorText(const char *result, const char *) {
+    return result;
+}
 
-void reportOpenFailure(const char *path, int error)
-{
+void reportOpenFailure(const char *path, int error) {
     char text[100];
     PWReport(LOG_CRIT, "PWApi: pipe %s open err: %s", path,
              errorText(strerror_r(error, text, sizeof text), text));
@@ -58,8 +62,7 @@ void reportOpenFailure(const char *path, int error)
 
 // Throws away what an earlier client left in the read pipe. The descriptor
 // is non-blocking, so this never waits.
-void drain(int fd)
-{
+void drain(int fd) {
     char chunk[drainChunk];
     while (read(fd, chunk, sizeof chunk) == static_cast<ssize_t>(drainChunk)) {
     }
@@ -69,8 +72,7 @@ void drain(int fd)
 
 extern "C" {
 
-int PWInit(const char *path)
-{
+int PWInit(const char *path) {
     if (pwInitialised)
         return PW_OK;
     cmdHandles  = {};
@@ -88,8 +90,7 @@ int PWInit(const char *path)
     return PW_OK;
 }
 
-PWHandle *PWOpenHandle(int chip, int interface)
-{
+PWHandle *PWOpenHandle(int chip, int interface) {
     if (!pwInitialised) {
         PWReport(LOG_ERR, "PWApi: not initialized.\n");
         return nullptr;
@@ -132,11 +133,14 @@ PWHandle *PWOpenHandle(int chip, int interface)
     return &handle;
 }
 
-PWHandle *PWOpenCmdHandle(int chip) { return PWOpenHandle(chip, PW_INTERFACE_CMD); }
-PWHandle *PWOpenDiagHandle(int chip) { return PWOpenHandle(chip, PW_INTERFACE_DIAG); }
+PWHandle *PWOpenCmdHandle(int chip) {
+    return PWOpenHandle(chip, PW_INTERFACE_CMD);
+}
+PWHandle *PWOpenDiagHandle(int chip) {
+    return PWOpenHandle(chip, PW_INTERFACE_DIAG);
+}
 
-int PWReleaseHandle(PWHandle *handle)
-{
+int PWReleaseHandle(PWHandle *handle) {
     OS_ASSERT(handle);
     if (handle->Magic != PW_HANDLE_MAGIC) {
         PWReport(LOG_ERR, "PWApi: invalid PW handle %p\n", static_cast<void *>(handle));

@@ -18,8 +18,7 @@
 
 namespace {
 
-void reportBadHandle(const PWHandle *handle)
-{
+void reportBadHandle(const PWHandle *handle) {
     PWReport(LOG_ERR, "PWApi: invalid PW handle %p\n", static_cast<const void *>(handle));
 }
 
@@ -28,8 +27,7 @@ void reportBadHandle(const PWHandle *handle)
 // signal. The signal is blocked for this thread around the write, and one
 // that the write raised is taken off the thread again before the old mask
 // comes back.
-ssize_t writeWithoutSigpipe(int fd, const void *data, std::size_t size)
-{
+ssize_t writeWithoutSigpipe(int fd, const void *data, std::size_t size) {
     sigset_t pipeSet, oldSet;
     sigemptyset(&pipeSet);
     sigaddset(&pipeSet, SIGPIPE);
@@ -48,14 +46,12 @@ ssize_t writeWithoutSigpipe(int fd, const void *data, std::size_t size)
 
 // Empties the read pipe into the start of the buffer, a buffer-full at a
 // time, until a read brings less.
-void resynchronise(int fd, uint8_t (&buf)[pwBufferSize])
-{
+void resynchronise(int fd, uint8_t (&buf)[pwBufferSize]) {
     while (read(fd, buf, sizeof buf) == static_cast<ssize_t>(sizeof buf)) {
     }
 }
 
-int timeOut(const PWHandle *handle)
-{
+int timeOut(const PWHandle *handle) {
     PWReport(LOG_WARNING, "PWApi: TIMEOUT chip %d, ms=%u\n", handle->Chip, PWNowMs());
     return PW_ERR_TIMEOUT;
 }
@@ -64,8 +60,7 @@ int timeOut(const PWHandle *handle)
 
 extern "C" {
 
-int PWSendMsg(PWHandle *handle, const PWMsg *pMsg)
-{
+int PWSendMsg(PWHandle *handle, const PWMsg *pMsg) {
     OS_ASSERT(handle);
     OS_ASSERT(pMsg);
     if (handle->Magic != PW_HANDLE_MAGIC) {
@@ -82,8 +77,7 @@ int PWSendMsg(PWHandle *handle, const PWMsg *pMsg)
     return PW_OK;
 }
 
-int PWReceiveMsg(PWHandle *handle, uint32_t timeoutMs, PWMsg *pMsg)
-{
+int PWReceiveMsg(PWHandle *handle, uint32_t timeoutMs, PWMsg *pMsg) {
     uint32_t deadline = ClockMillis() + timeoutMs;
     OS_ASSERT(handle);
     OS_ASSERT(pMsg);
@@ -126,9 +120,9 @@ int PWReceiveMsg(PWHandle *handle, uint32_t timeoutMs, PWMsg *pMsg)
             case PWScan::otherInterface: // no report; the bytes stay
                 continue;
             case PWScan::badSync:
-                PWReport(LOG_WARNING, "PWApi: chip = %d, invalid packet header = %p\n",
-                         handle->Chip,
-                         reinterpret_cast<void *>(static_cast<uintptr_t>(PWPacketSyncWord(buf, held))));
+                PWReport(
+                    LOG_WARNING, "PWApi: chip = %d, invalid packet header = %p\n", handle->Chip,
+                    reinterpret_cast<void *>(static_cast<uintptr_t>(PWPacketSyncWord(buf, held))));
                 break;
             case PWScan::badCrc:
                 PWReport(LOG_WARNING, "PWApi: CRC error; chip = %d, opcode = %p\n", handle->Chip,
@@ -150,8 +144,7 @@ int PWReceiveMsg(PWHandle *handle, uint32_t timeoutMs, PWMsg *pMsg)
     }
 }
 
-uint32_t PWNowMs(void)
-{
+uint32_t PWNowMs(void) {
     // The wall clock of ftime(): whole seconds times 1000 plus milliseconds,
     // cut to 32 bits. ftime() itself is obsolete; the realtime clock gives
     // the same figure.

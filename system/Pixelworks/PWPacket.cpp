@@ -12,32 +12,31 @@ constexpr std::size_t sizeOffset = 5;
 constexpr std::size_t opOffset   = 6;
 constexpr std::size_t ifOffset   = 7;
 
-void putWordLowFirst(uint8_t *p, uint16_t w)
-{
+void putWordLowFirst(uint8_t *p, uint16_t w) {
     p[0] = static_cast<uint8_t>(w);
     p[1] = static_cast<uint8_t>(w >> 8);
 }
 
-uint16_t wordLowFirst(const uint8_t *p) { return static_cast<uint16_t>(p[0] | p[1] << 8); }
+uint16_t wordLowFirst(const uint8_t *p) {
+    return static_cast<uint16_t>(p[0] | p[1] << 8);
+}
 
 } // namespace
 
-uint16_t PWPacketCrc(const uint8_t *packet, std::size_t total)
-{
+uint16_t PWPacketCrc(const uint8_t *packet, std::size_t total) {
     OS_ASSERT(total >= pwHeaderSize && total <= pwBufferSize);
     // Sync, then the CRC field as zero, then the rest as it stands.
     static constexpr uint8_t zeroField[2] = {0, 0};
-    uint16_t state = PWCrcUpdate(0xFFFF, packet, crcOffset);
-    state          = PWCrcUpdate(state, zeroField, 2);
-    state          = PWCrcUpdate(state, packet + typeOffset, total - typeOffset);
+    uint16_t state                        = PWCrcUpdate(0xFFFF, packet, crcOffset);
+    state                                 = PWCrcUpdate(state, zeroField, 2);
+    state = PWCrcUpdate(state, packet + typeOffset, total - typeOffset);
     return PWSwap16(state);
 }
 
-std::size_t PWPacketEncode(const PWMsg &msg, int interface, uint8_t (&out)[pwBufferSize])
-{
-    std::size_t words = msg.Length / 2u;
-    out[0]            = pwSync0;
-    out[1]            = pwSync1;
+std::size_t PWPacketEncode(const PWMsg &msg, int interface, uint8_t (&out)[pwBufferSize]) {
+    std::size_t words  = msg.Length / 2u;
+    out[0]             = pwSync0;
+    out[1]             = pwSync1;
     out[crcOffset]     = 0;
     out[crcOffset + 1] = 0;
     out[typeOffset]    = pwType;
@@ -46,15 +45,14 @@ std::size_t PWPacketEncode(const PWMsg &msg, int interface, uint8_t (&out)[pwBuf
     out[ifOffset]      = static_cast<uint8_t>(interface);
     for (std::size_t i = 0; i < words; ++i)
         putWordLowFirst(out + pwHeaderSize + 2 * i, msg.Payload[i]);
-    std::size_t total = out[sizeOffset] + 6u;
-    uint16_t crc      = PWPacketCrc(out, total);
+    std::size_t total  = out[sizeOffset] + 6u;
+    uint16_t crc       = PWPacketCrc(out, total);
     out[crcOffset]     = static_cast<uint8_t>(crc >> 8);
     out[crcOffset + 1] = static_cast<uint8_t>(crc);
     return total;
 }
 
-PWScan PWPacketScan(const uint8_t *buf, std::size_t held, int interface)
-{
+PWScan PWPacketScan(const uint8_t *buf, std::size_t held, int interface) {
     if ((held >= 1 && buf[0] != pwSync0) || (held >= 2 && buf[1] != pwSync1))
         return PWScan::badSync;
     if (held < pwHeaderSize)
@@ -72,17 +70,15 @@ PWScan PWPacketScan(const uint8_t *buf, std::size_t held, int interface)
     return PWPacketCrc(buf, total) == stored ? PWScan::good : PWScan::badCrc;
 }
 
-uint16_t PWPacketSyncWord(const uint8_t *buf, std::size_t held)
-{
+uint16_t PWPacketSyncWord(const uint8_t *buf, std::size_t held) {
     uint16_t high = held >= 1 ? buf[0] : 0;
     uint16_t low  = held >= 2 ? buf[1] : 0;
     return static_cast<uint16_t>(high << 8 | low);
 }
 
-void PWPacketDecode(const uint8_t *packet, PWMsg &msg)
-{
-    msg.Opcode       = packet[opOffset];
-    msg.Length       = static_cast<uint8_t>(packet[sizeOffset] - 2);
+void PWPacketDecode(const uint8_t *packet, PWMsg &msg) {
+    msg.Opcode        = packet[opOffset];
+    msg.Length        = static_cast<uint8_t>(packet[sizeOffset] - 2);
     std::size_t words = msg.Length / 2u;
     for (std::size_t i = 0; i < words; ++i)
         msg.Payload[i] = wordLowFirst(packet + pwHeaderSize + 2 * i);

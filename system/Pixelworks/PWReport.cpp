@@ -10,8 +10,7 @@ namespace {
 std::atomic<PWReportHook> reportHook{nullptr};
 } // namespace
 
-void PWReport(int priority, const char *format, ...)
-{
+void PWReport(int priority, const char *format, ...) {
     va_list args;
     va_start(args, format);
     PWReportHook hook = reportHook.load(std::memory_order_acquire);
@@ -26,7 +25,6 @@ void PWReport(int priority, const char *format, ...)
     va_end(args);
 }
 
-PWReportHook PWReportSetHook(PWReportHook hook)
-{
+PWReportHook PWReportSetHook(PWReportHook hook) {
     return reportHook.exchange(hook, std::memory_order_acq_rel);
 }

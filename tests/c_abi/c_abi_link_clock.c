@@ -5,11 +5,10 @@
 
 #include <stdio.h>
 
-int main(void)
-{
+int main(void) {
     static const uint8_t check[] = "123456789";
-    uint16_t crc = PWSwap16(PWCrc16(check, 9));
-    uint32_t ms  = ClockMillisInto(NULL);
+    uint16_t crc                 = PWSwap16(PWCrc16(check, 9));
+    uint32_t ms                  = ClockMillisInto(NULL);
     if (crc != 0x4B37) {
         printf("CRC of \"123456789\" is 0x%04X, not 0x4B37\n", crc);
         return 1;

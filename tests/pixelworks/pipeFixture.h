@@ -1,0 +1,60 @@
+// Test support for the link: a folder of named pipes, the daemon's ends of
+// them, and a record of the link's reports.
+#ifndef TESTS_PIXELWORKS_PIPEFIXTURE_H
+#define TESTS_PIXELWORKS_PIPEFIXTURE_H
+
+#include "system/Pixelworks/PWApi.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// A fresh folder under /tmp with the pipes of chips 0 to 2, both
+// interfaces; removed with everything in it when the object goes.
+struct PipeFolder {
+    std::string base; // the folder made under /tmp
+    std::string path; // the pipes' folder: base, or a padded folder inside it
+    explicit PipeFolder(std::size_t length = 0); // pad the path to `length` characters
+    ~PipeFolder();
+    std::string pipe(const char *name, int chip) const;
+    PipeFolder(const PipeFolder &)            = delete;
+    PipeFolder &operator=(const PipeFolder &) = delete;
+};
+
+// The daemon's side of one chip's interface: the client's read pipe open
+// for writing, the client's write pipe open for reading (both O_RDWR, so
+// neither open waits).
+struct DaemonEnds {
+    int toClient   = -1;
+    int fromClient = -1;
+    DaemonEnds(const PipeFolder &folder, int chip, int interface);
+    ~DaemonEnds();
+    void closeToClient();
+    void closeFromClient();
+    void send(const std::vector<uint8_t> &bytes) const;
+    // Bytes waiting in the client's read pipe.
+    int pending() const;
+    // Waits until the client has taken every byte of its read pipe.
+    void awaitDrained() const;
+    // All bytes the client has written so far (non-blocking).
+    std::vector<uint8_t> received() const;
+    DaemonEnds(const DaemonEnds &)            = delete;
+    DaemonEnds &operator=(const DaemonEnds &) = delete;
+};
+
+struct Report {
+    int priority;
+    std::string text;
+    bool operator==(const Report &) const = default;
+};
+
+// Catches the link's reports while it lives.
+struct ReportCatcher {
+    ReportCatcher();
+    ~ReportCatcher();
+    std::vector<Report> take();
+};
+
+std::vector<uint8_t> packetOf(uint8_t opcode, std::vector<uint16_t> words, int interface);
+
+#endif
