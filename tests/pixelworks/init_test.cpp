@@ -1,0 +1,95 @@
+// The link's folder and its one-time initialisation. Each case runs in a
+// fresh process, since the link takes its folder once per process.
+#include "pipeFixture.h"
+
+#include "system/Pixelworks/PWApi.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <syslog.h>
+#include <unistd.h>
+
+namespace {
+
+// Runs `body` in a re-executed copy of this test program and expects it to
+// exit with 0; failures inside show up as its exit status.
+#define IN_FRESH_PROCESS(body)                                                                     \
+    do {                                                                                           \
+        GTEST_FLAG_SET(death_test_style, "threadsafe");                                            \
+        EXPECT_EXIT(                                                                               \
+            {                                                                                      \
+                body;                                                                              \
+                std::exit(testing::Test::HasFailure() ? 1 : 0);                                    \
+            },                                                                                     \
+            testing::ExitedWithCode(0), "");                                                       \
+    } while (0)
+
+TEST(PWInitOnce, OpenBeforeInitIsRefused) {
+    IN_FRESH_PROCESS({
+        ReportCatcher reports;
+        EXPECT_EQ(PWOpenCmdHandle(0), nullptr);
+        EXPECT_EQ(reports.take(), (std::vector<Report>{{LOG_ERR, "PWApi: not initialized.\n"}}));
+    });
+}
+
+TEST(PWInitOnce, FolderOf49IsTakenAnd50IsRefusedUntilAShorterOne) {
+    IN_FRESH_PROCESS({
+        ReportCatcher reports;
+        PipeFolder fifty(50);
+        PipeFolder fortyNine(49);
+        ASSERT_EQ(fifty.path.size(), 50u);
+        ASSERT_EQ(fortyNine.path.size(), 49u);
+        EXPECT_EQ(PWInit(fifty.path.c_str()), PW_ERR_INVALID);
+        EXPECT_EQ(reports.take(),
+                  (std::vector<Report>{{LOG_ERR, "PWApi: path of 50 is too long; max = 49\n"}}));
+        // The refusal left the link uninitialised.
+        EXPECT_EQ(PWOpenCmdHandle(0), nullptr);
+        EXPECT_EQ(reports.take(), (std::vector<Report>{{LOG_ERR, "PWApi: not initialized.\n"}}));
+        EXPECT_EQ(PWInit(fortyNine.path.c_str()), PW_OK);
+        DaemonEnds daemon(fortyNine, 0, PW_INTERFACE_CMD);
+        PWHandle *handle = PWOpenCmdHandle(0);
+        ASSERT_NE(handle, nullptr);
+        PWMsg msg{};
+        EXPECT_EQ(PWSendMsg(handle, &msg), PW_OK);
+        EXPECT_EQ(daemon.received().size(), 8u);
+    });
+}
+
+TEST(PWInitOnce, SecondInitKeepsTheFirstFolderAndOpenHandles) {
+    IN_FRESH_PROCESS({
+        ReportCatcher reports;
+        PipeFolder first;
+        PipeFolder second;
+        EXPECT_EQ(PWInit(first.path.c_str()), PW_OK);
+        DaemonEnds firstDaemon(first, 0, PW_INTERFACE_CMD);
+        PWHandle *handle = PWOpenCmdHandle(0);
+        ASSERT_NE(handle, nullptr);
+        EXPECT_EQ(PWInit(second.path.c_str()), PW_OK);
+        EXPECT_EQ(handle->Magic, PW_HANDLE_MAGIC);
+        // Only the second folder has a daemon for chip 1: the link still
+        // looks in the first and fails on its write pipe.
+        DaemonEnds secondDaemon(second, 1, PW_INTERFACE_CMD);
+        EXPECT_EQ(PWOpenCmdHandle(1), nullptr);
+        std::vector<Report> seen = reports.take();
+        ASSERT_EQ(seen.size(), 1u);
+        EXPECT_NE(seen[0].text.find(first.pipe("PWWtCmd", 1)), std::string::npos) << seen[0].text;
+    });
+}
+
+TEST(PWInitOnce, NullPathMeansTheWorkingFolder) {
+    IN_FRESH_PROCESS({
+        PipeFolder folder;
+        ASSERT_EQ(chdir(folder.path.c_str()), 0);
+        EXPECT_EQ(PWInit(nullptr), PW_OK);
+        DaemonEnds daemon(folder, 2, PW_INTERFACE_DIAG);
+        ReportCatcher reports;
+        EXPECT_NE(PWOpenDiagHandle(2), nullptr);
+        EXPECT_EQ(PWOpenCmdHandle(2), nullptr); // no daemon on Cmd: the report shows the path
+        std::vector<Report> seen = reports.take();
+        ASSERT_EQ(seen.size(), 1u);
+        EXPECT_EQ(seen[0].text, "PWApi: pipe .//PWWtCmd2 open err: No such device or address");
+    });
+}
+
+} // namespace
