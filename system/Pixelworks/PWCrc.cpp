@@ -32,13 +32,15 @@ static_assert(crcTables.low[255] == 0x40 && crcTables.high[255] == 0x40, "CRC ta
 } // namespace
 
 uint16_t PWCrcUpdate(uint16_t state, const uint8_t *data, std::size_t count) {
-    // A holds the low byte of the running CRC, B the high byte.
-    uint8_t a = static_cast<uint8_t>(state >> 8);
-    uint8_t b = static_cast<uint8_t>(state);
+    // A holds the low byte of the running CRC, B the high byte. Both live in
+    // full-width registers so that no partial-register merge lengthens the
+    // chain from one byte to the next.
+    unsigned a = static_cast<unsigned>(state >> 8);
+    unsigned b = static_cast<unsigned>(state & 0xFFu);
     for (std::size_t i = 0; i < count; ++i) {
-        uint8_t index = data[i] ^ a;
-        a             = crcTables.low[index] ^ b;
-        b             = crcTables.high[index];
+        unsigned index = data[i] ^ a;
+        a              = crcTables.low[index] ^ b;
+        b              = crcTables.high[index];
     }
     return static_cast<uint16_t>(a << 8 | b);
 }
