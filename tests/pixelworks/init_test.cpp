@@ -12,11 +12,11 @@
 
 namespace {
 
-// Runs `body` in a re-executed copy of this test program and expects it to
-// exit with 0; failures inside show up as its exit status.
+// Runs `body` in a forked child and expects it to exit with 0; failures
+// inside show up as its exit status. The parent never initialises the link,
+// so every child starts with it uninitialised.
 #define IN_FRESH_PROCESS(body)                                                                     \
     do {                                                                                           \
-        GTEST_FLAG_SET(death_test_style, "threadsafe");                                            \
         EXPECT_EXIT(                                                                               \
             {                                                                                      \
                 body;                                                                              \

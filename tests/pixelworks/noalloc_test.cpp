@@ -21,7 +21,7 @@ namespace {
 thread_local bool counting = false;
 std::atomic<int> allocations{0};
 
-void countIfCounting() {
+[[maybe_unused]] void countIfCounting() {
     if (counting)
         allocations.fetch_add(1, std::memory_order_relaxed);
 }
