@@ -23,6 +23,15 @@ std::size_t nextSync(const SimStream &stream) {
     return stream.Held;
 }
 
+// Offset of the first whole valid packet after offset 0; Held if none.
+std::size_t nextGoodPacket(const SimStream &stream) {
+    for (std::size_t i = 1; i + pwHeaderSize <= stream.Held; ++i)
+        if (stream.Buf[i] == pwSync0 && stream.Buf[i + 1] == pwSync1 &&
+            PWPacketScan(stream.Buf + i, stream.Held - i, stream.Interface) == PWScan::good)
+            return i;
+    return stream.Held;
+}
+
 } // namespace
 
 void SimStreamInit(SimStream &stream, int interface) {
@@ -46,6 +55,14 @@ SimTake SimStreamTake(SimStream &stream, PWMsg &msg, std::size_t &skipped) {
         return SimTake::none;
     switch (PWPacketScan(stream.Buf, stream.Held, stream.Interface)) {
     case PWScan::incomplete:
+        // A client that died in the middle of a write leaves the start of a
+        // packet that never completes; a whole valid request behind it
+        // shows that, and the bytes before it go.
+        if (std::size_t next = nextGoodPacket(stream); next < stream.Held) {
+            skipped = next;
+            dropFront(stream, skipped);
+            return SimTake::skipped;
+        }
         // A Size byte of 255 makes 261 bytes: the buffer never fills with
         // an incomplete packet.
         OS_ASSERT(stream.Held < 261);

@@ -34,7 +34,8 @@ enum class SimTake {
 
 // Takes the next thing out of the bytes held: a valid request of the
 // stream's interface, or a run of bytes that can't start one (a bad sync, a
-// bad CRC, a packet of the other interface), up to the next 0xBE 0xEF.
+// bad CRC, a packet of the other interface, the start of a packet that a
+// whole valid one follows), up to the next 0xBE 0xEF.
 SimTake SimStreamTake(SimStream &stream, PWMsg &msg, std::size_t &skipped);
 
 #endif
