@@ -1,0 +1,507 @@
+// Tests of the video timing records: invariants of the tables, coverage of the format ids, the
+// lookups and the derivations against their worked examples.
+#include "avc/main/vidTiming.h"
+#include "avc/main/vidFormat.h"
+#include "avc/main/vidFormatData.h"
+#include "avc/main/vidTimingData.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <iterator>
+#include <set>
+#include <string>
+#include <tuple>
+#include <vector>
+
+using vidTiming::VidTimingTotals74Table;
+
+namespace {
+
+bool Same(const VidTiming &a, const VidTiming &b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+VidTiming Main(int32_t id) {
+    VidTiming t{};
+    EXPECT_EQ(VidTimingFind(id, VidTimingMainTable, &t), 0) << id;
+    return t;
+}
+
+// A record no operation would produce, to show that a failure left it alone.
+VidTiming Garbage() {
+    VidTiming t;
+    std::memset(&t, 0xA5, sizeof t);
+    return t;
+}
+
+std::vector<VidTiming> Rows(const VidTiming *table) {
+    std::vector<VidTiming> rows;
+    for (; table->FormatId != 0; ++table) {
+        rows.push_back(*table);
+    }
+    return rows;
+}
+
+// Rounded to the nearest whole number, halves up.
+uint64_t Round(uint64_t num, uint64_t den) {
+    return (num + den / 2) / den;
+}
+
+// ---- Tables ----
+
+TEST(VidTimingTables, RowCountsAndClosingRows) {
+    EXPECT_EQ(Rows(VidTimingMainTable).size(), 61u);
+    EXPECT_EQ(std::size(VidTimingMainTable), 62u);
+    EXPECT_EQ(Rows(VidTimingOutputTable).size(), 9u);
+    EXPECT_EQ(std::size(VidTimingOutputTable), 10u);
+    EXPECT_EQ(VidTimingTotals74Table.size(), 23u);
+    const VidTiming zero{};
+    EXPECT_TRUE(Same(VidTimingMainTable[61], zero));
+    EXPECT_TRUE(Same(VidTimingOutputTable[9], zero));
+    EXPECT_EQ(sizeof(VidTiming), 31 * sizeof(uint32_t));
+}
+
+TEST(VidTimingTables, FormatIdsUnique) {
+    for (const VidTiming *table : {VidTimingMainTable, VidTimingOutputTable}) {
+        std::set<int32_t> ids;
+        for (const VidTiming &t : Rows(table)) {
+            EXPECT_TRUE(ids.insert(t.FormatId).second) << t.FormatId;
+        }
+    }
+    std::set<int32_t> ids;
+    for (const auto &row : VidTimingTotals74Table) {
+        EXPECT_TRUE(ids.insert(row.FormatId).second) << row.FormatId;
+    }
+}
+
+TEST(VidTimingTables, BlankingSumsHoldForBothFields) {
+    for (const VidTiming *table : {VidTimingMainTable, VidTimingOutputTable}) {
+        for (const VidTiming &t : Rows(table)) {
+            SCOPED_TRACE(t.FormatId);
+            EXPECT_EQ(t.HActive + t.HBlank, t.HTotal);
+            EXPECT_EQ(t.HFrontPorch + t.HSyncWidth + t.HBackPorch, t.HBlank);
+            EXPECT_EQ(t.VActive + t.VBlank, t.VTotal);
+            EXPECT_EQ(t.VFrontPorch + t.VSyncWidth + t.VBackPorch, t.VBlank);
+            EXPECT_EQ(t.VActive2 + t.VBlank2, t.VTotal2);
+            EXPECT_EQ(t.VFrontPorch2 + t.VSyncWidth2 + t.VBackPorch2, t.VBlank2);
+        }
+    }
+}
+
+// The stored rate words follow the rounding rule, with exactly two known exceptions.
+TEST(VidTimingTables, RateWordsAreRoundedWithTwoExceptions) {
+    using Deviation = std::tuple<int32_t, std::string, int64_t>;
+    std::set<Deviation> found;
+    for (const VidTiming *table : {VidTimingMainTable, VidTimingOutputTable}) {
+        for (const VidTiming &t : Rows(table)) {
+            const uint64_t clk = t.PixelClockKHz, h = t.HTotal, f = t.VTotal + t.VTotal2;
+            const std::pair<std::string, int64_t> words[] = {
+                {"PixelPeriodPs", int64_t(t.PixelPeriodPs) - int64_t(Round(1000000000, clk))},
+                {"LineRateHz", int64_t(t.LineRateHz) - int64_t(Round(1000 * clk, h))},
+                {"LinePeriodNs", int64_t(t.LinePeriodNs) - int64_t(Round(1000000 * h, clk))},
+                {"FrameRateMilliHz",
+                 int64_t(t.FrameRateMilliHz) - int64_t(Round(1000000 * clk, h * f))},
+                {"FramePeriodUs", int64_t(t.FramePeriodUs) - int64_t(Round(1000 * h * f, clk))},
+            };
+            for (const auto &[word, delta] : words) {
+                if (delta != 0) {
+                    found.insert({t.FormatId, word, delta});
+                }
+            }
+        }
+    }
+    EXPECT_EQ(found, (std::set<Deviation>{{68, "PixelPeriodPs", -1}, {72, "FramePeriodUs", 1}}));
+}
+
+// The marks agree with the mode names: WIDTHxHEIGHTatREFRESH rows are VESA-like, the television
+// rows of 720 and 1080 lines are HD video; interlaced are exactly ntsc, pal and the 1080i rows.
+TEST(VidTimingTables, MarksAgreeWithModeNames) {
+    std::set<int32_t> interlaced;
+    for (const VidTiming &t : Rows(VidTimingMainTable)) {
+        const char *name = VidFormatNameOf(t.FormatId);
+        ASSERT_NE(name, nullptr) << t.FormatId;
+        const std::string n(name);
+        const bool sized = n.find('x') != std::string::npos && n.find("at") != std::string::npos;
+        const bool tv    = n.rfind("720p", 0) == 0 || n.rfind("1080", 0) == 0;
+        EXPECT_EQ(t.IsVesaLike, sized ? 1u : 0u) << n;
+        EXPECT_EQ(t.IsHdVideo, tv ? 1u : 0u) << n;
+        if (t.VActive2 != 0) {
+            interlaced.insert(t.FormatId);
+            EXPECT_NE(t.VFieldMark, 0u) << n;
+        } else {
+            EXPECT_EQ(t.VTotal2 + t.VFieldMark + t.VFieldMark2, 0u) << n;
+        }
+    }
+    EXPECT_EQ(interlaced, (std::set<int32_t>{1, 2, 73, 74, 78, 79}));
+}
+
+TEST(VidTimingTables, OutputRowsAreMainRowsButFormat35) {
+    for (const VidTiming &out : Rows(VidTimingOutputTable)) {
+        if (out.FormatId == 35) {
+            EXPECT_EQ(out.PixelClockKHz, 79200u);
+            EXPECT_EQ(out.FrameRateMilliHz, 30000u);
+            EXPECT_EQ(out.HActive, Main(35).HActive);
+            EXPECT_EQ(out.VTotal, Main(35).VTotal);
+        } else {
+            EXPECT_TRUE(Same(out, Main(out.FormatId))) << out.FormatId;
+        }
+    }
+}
+
+// Every id that a name, an alias, a list or a map gives has a record after folding, but the
+// seven that are described as having none.
+TEST(VidTimingTables, EveryReachableIdHasARecordOrDeliberatelyNone) {
+    const std::set<int32_t> without = {31, 32, 36, 37, 38, 40, 61};
+    std::set<int32_t> ids;
+    for (const auto &row : vidFormat::VidFormatNameTable) {
+        ids.insert(row.FormatId);
+    }
+    for (const auto &row : vidFormat::VidFormatAliasTable) {
+        ids.insert(row.FormatId);
+    }
+    for (const auto &row : vidFormat::VidFormatProgressiveMap) {
+        ids.insert(row.FormatId);
+        ids.insert(row.ProgressiveId);
+    }
+    for (const auto &row : vidFormat::VidFormatAllowedTable) {
+        ids.insert(row.First.Ids, row.First.Ids + row.First.Count);
+        ids.insert(row.Second.Ids, row.Second.Ids + row.Second.Count);
+    }
+    for (const auto &row : VidTimingTotals74Table) {
+        ids.insert(row.FormatId);
+    }
+    for (int32_t id : ids) {
+        int32_t folded = id;
+        uint32_t rate  = 0;
+        VidFormatResolveAlias(&folded, &rate);
+        VidTiming t{};
+        EXPECT_EQ(VidTimingFind(folded, VidTimingMainTable, &t) == 0, without.count(id) == 0) << id;
+    }
+    std::set<int32_t> recorded;
+    for (const VidTiming &t : Rows(VidTimingMainTable)) {
+        recorded.insert(t.FormatId);
+        EXPECT_EQ(ids.count(t.FormatId), 1u) << t.FormatId << " has a record and no name";
+    }
+    for (const VidTiming &t : Rows(VidTimingOutputTable)) {
+        EXPECT_EQ(recorded.count(t.FormatId), 1u) << t.FormatId;
+    }
+}
+
+// ---- Lookups ----
+
+TEST(VidTimingFind, ClosingRowIsNoMatch) {
+    VidTiming t = Garbage();
+    EXPECT_EQ(VidTimingFind(0, VidTimingMainTable, &t), -1);
+    EXPECT_EQ(VidTimingFind(3, VidTimingOutputTable, &t), -1);
+    EXPECT_TRUE(Same(t, Garbage()));
+}
+
+TEST(VidTimingByName, ModeAndSystemNameSpacesSplit) {
+    const struct {
+        const char *name;
+        int32_t modeId, systemId;
+    } cases[] = {{"720p_NTSC", 52, 43}, {"720p_PAL", 51, 41},         {"1080p_NTSC", 57, 76},
+                 {"1080p_PAL", 56, 75}, {"1080i_NTSC", 74, 79},       {"1080i_PAL", 73, 78},
+                 {"ntsc_ntsc", 1, 1},   {"60HZ1680x1050_PAL", 26, 26}};
+    for (const auto &c : cases) {
+        VidTiming t{};
+        EXPECT_EQ(VidTimingByName(c.name, &t), 0) << c.name;
+        EXPECT_EQ(t.FormatId, c.modeId) << c.name;
+        EXPECT_EQ(VidTimingBySystemName(c.name, &t), 0) << c.name;
+        EXPECT_EQ(t.FormatId, c.systemId) << c.name;
+    }
+}
+
+TEST(VidTimingByName, FailuresLeaveRecordAlone) {
+    VidTiming t = Garbage();
+    EXPECT_EQ(VidTimingBySystemName("640x480at60", &t), -1); // a mode name only
+    EXPECT_EQ(VidTimingByName("480p30", &t), -1);            // asks for a rate
+    EXPECT_EQ(VidTimingByName("1680x1050at25", &t), -1);
+    EXPECT_EQ(VidTimingByName("auto-ntsc-pal", &t), -1); // 61 has no record
+    EXPECT_EQ(VidTimingByName("85HZ1600x1200_PAL", &t), -1);
+    EXPECT_EQ(VidTimingBySystemName("85HZ1600x1200_PAL", &t), -1);
+    EXPECT_EQ(VidTimingByName("720p", &t), -1);
+    EXPECT_EQ(VidTimingByName(nullptr, &t), -1);
+    EXPECT_EQ(VidTimingBySystemName(nullptr, &t), -1);
+    EXPECT_TRUE(Same(t, Garbage()));
+    EXPECT_EQ(VidTimingByName("640X480AT60", &t), 0);
+    EXPECT_EQ(t.FormatId, 4);
+    EXPECT_EQ(VidTimingByName("480p", &t), 0);
+    EXPECT_EQ(t.FormatId, 59);
+}
+
+TEST(VidTimingById, FoldsSynonymsRefusesRates) {
+    VidTiming t = Garbage();
+    for (int32_t id : {33, 34, 27, 28, 29, 61, 36, 0, 3}) {
+        EXPECT_EQ(VidTimingById(id, &t), -1) << id;
+    }
+    EXPECT_TRUE(Same(t, Garbage()));
+    EXPECT_EQ(VidTimingById(62, &t), 0);
+    EXPECT_TRUE(Same(t, Main(53)));
+}
+
+// ---- Output stage ----
+
+struct Rates {
+    int32_t id;
+    uint32_t clock, pixelPs, lineHz, lineNs, frameMHz, frameUs;
+};
+
+TEST(VidTimingForOutput, ReducesFrameRateToThirty) {
+    const Rates cases[] = {
+        {43, 37125, 26936, 22500, 44444, 30000, 33333},
+        {52, 37088, 26962, 22477, 44487, 29969, 33365},
+        {58, 74250, 13468, 33750, 29629, 30000, 33332},
+        {29, 73125, 13676, 32645, 30634, 29977, 33360}, // 30 at the alias rate 50000
+    };
+    for (const auto &c : cases) {
+        VidTiming t{};
+        EXPECT_EQ(VidTimingForOutput(c.id, &t), 0) << c.id;
+        const VidTiming m = Main(t.FormatId);
+        EXPECT_EQ(std::tie(t.PixelClockKHz, t.PixelPeriodPs, t.LineRateHz, t.LinePeriodNs,
+                           t.FrameRateMilliHz, t.FramePeriodUs),
+                  std::tie(c.clock, c.pixelPs, c.lineHz, c.lineNs, c.frameMHz, c.frameUs))
+            << c.id;
+        EXPECT_EQ(std::tie(t.HTotal, t.VTotal, t.HActive), std::tie(m.HTotal, m.VTotal, m.HActive));
+    }
+    VidTiming t{};
+    EXPECT_EQ(VidTimingForOutput(7, &t), 0); // 85 Hz: factor 3
+    EXPECT_EQ(t.PixelClockKHz, 12000u);
+    EXPECT_EQ(t.FrameRateMilliHz, 28335u);
+}
+
+TEST(VidTimingForOutput, HandsOutStoredRows) {
+    VidTiming t{};
+    EXPECT_EQ(VidTimingForOutput(53, &t), 0);
+    EXPECT_TRUE(Same(t, Main(53)));
+    EXPECT_EQ(VidTimingForOutput(62, &t), 0);
+    EXPECT_TRUE(Same(t, Main(53)));
+    EXPECT_EQ(VidTimingForOutput(1, &t), 0); // 29 Hz: nothing to reduce
+    EXPECT_TRUE(Same(t, Main(1)));
+    for (int32_t id : {35, 33, 34}) { // the 79200 kHz row, whatever the alias rate says
+        EXPECT_EQ(VidTimingForOutput(id, &t), 0) << id;
+        EXPECT_TRUE(Same(t, VidTimingOutputTable[0])) << id;
+    }
+}
+
+TEST(VidTimingForOutput, ClockAboveLimitOrNoRecord) {
+    for (int32_t id : {28, 27}) { // alias rates of 30 Hz or less: no division
+        VidTiming t{};
+        EXPECT_EQ(VidTimingForOutput(id, &t), -1) << id;
+        EXPECT_TRUE(Same(t, Main(30)));
+    }
+    VidTiming t = Garbage();
+    EXPECT_EQ(VidTimingForOutput(61, &t), -1);
+    EXPECT_EQ(VidTimingForOutput(36, &t), -1);
+    EXPECT_TRUE(Same(t, Garbage()));
+}
+
+TEST(VidTimingLimitFrameRate, FactorByRate) {
+    const std::pair<int32_t, uint32_t> cases[] = {
+        {0, 37125},     {999, 37125},   {30999, 74250}, {31000, 37125},
+        {60999, 37125}, {61000, 24750}, {90999, 24750}, {91000, 18562},
+        {-999, 37125},  {-5000, 74250}, {25000, 74250},
+    };
+    for (const auto &[rate, clock] : cases) {
+        VidTiming t = Main(53);
+        EXPECT_EQ(VidTimingLimitFrameRate(&t, rate), 0) << rate;
+        EXPECT_EQ(t.PixelClockKHz, clock) << rate;
+        EXPECT_EQ(t.HTotal, 1650u);
+    }
+    VidTiming t = Main(35); // 162000 kHz at 60 Hz: halved is still above 80000
+    EXPECT_EQ(VidTimingLimitFrameRate(&t, 0), -1);
+    EXPECT_EQ(t.PixelClockKHz, 81000u);
+    t = Main(58); // 30 Hz asked: no division, and 148500 kHz is above the limit
+    EXPECT_EQ(VidTimingLimitFrameRate(&t, 30000), -1);
+    EXPECT_TRUE(Same(t, Main(58)));
+}
+
+// ---- Rate and clock ----
+
+struct Line {
+    int32_t id;
+    uint32_t rate, total, blank, front, lineHz, lineNs, frameMHz, frameUs;
+};
+
+TEST(VidTimingForRate, GrowsTheFrontPorch) {
+    const Line cases[] = {
+        {59, 29970, 1716, 996, 874, 15734, 63555, 29969, 33366},
+        {4, 25000, 1918, 1278, 1134, 13125, 76186, 25000, 39997},
+        {53, 50000, 1980, 700, 400, 37500, 26666, 50000, 19999},  // the line of 720p50
+        {28, 50000, 2685, 1005, 549, 54469, 18360, 50017, 19994}, // 30: the argument counts
+    };
+    for (const auto &c : cases) {
+        VidTiming t{};
+        EXPECT_EQ(VidTimingForRate(c.id, c.rate, &t), 0) << c.id;
+        const VidTiming m = Main(t.FormatId);
+        EXPECT_EQ(std::tie(t.HTotal, t.HBlank, t.HFrontPorch, t.LineRateHz, t.LinePeriodNs,
+                           t.FrameRateMilliHz, t.FramePeriodUs),
+                  std::tie(c.total, c.blank, c.front, c.lineHz, c.lineNs, c.frameMHz, c.frameUs))
+            << c.id;
+        EXPECT_EQ(std::tie(t.HSyncWidth, t.HBackPorch, t.PixelClockKHz),
+                  std::tie(m.HSyncWidth, m.HBackPorch, m.PixelClockKHz));
+    }
+}
+
+TEST(VidTimingForRate, OwnRateOrZeroGivesStoredRow) {
+    for (int32_t id : {59, 4, 72, 1}) {
+        VidTiming t{};
+        EXPECT_EQ(VidTimingForRate(id, 0, &t), 0);
+        EXPECT_TRUE(Same(t, Main(id)));
+        EXPECT_EQ(VidTimingForRate(id, Main(id).FrameRateMilliHz, &t), 0);
+        EXPECT_TRUE(Same(t, Main(id)));
+    }
+    VidTiming t{};
+    EXPECT_EQ(VidTimingForRate(28, 0, &t), 0); // the alias rate 25000 is ignored
+    EXPECT_TRUE(Same(t, Main(30)));
+}
+
+TEST(VidTimingForRate, LineLimitOf4095) {
+    VidTiming t{};
+    EXPECT_EQ(VidTimingForRate(35, 30000, &t), -1); // N = 4320
+    EXPECT_TRUE(Same(t, Main(35)));
+    EXPECT_EQ(VidTimingForRate(53, 24170, &t), 0); // N = 4095
+    EXPECT_EQ(t.HTotal, 4095u);
+    EXPECT_EQ(VidTimingForRate(53, 24169, &t), -1); // N = 4096
+    EXPECT_TRUE(Same(t, Main(53)));
+    EXPECT_EQ(VidTimingForRate(3, 30000, &t), -1);
+}
+
+// A rate above the record's own shortens the line out of the front porch alone.
+TEST(VidTimingChangeRate, HigherRateShortensWithinFrontPorch) {
+    VidTiming t = Main(51); // 720p50 asked for 60 Hz has the line of 720p60
+    EXPECT_EQ(VidTimingChangeRate(&t, 60000), 0);
+    const VidTiming p60 = Main(53);
+    EXPECT_EQ(std::tie(t.HTotal, t.HBlank, t.HFrontPorch, t.HSyncWidth, t.HBackPorch, t.LineRateHz,
+                       t.FrameRateMilliHz),
+              std::tie(p60.HTotal, p60.HBlank, p60.HFrontPorch, p60.HSyncWidth, p60.HBackPorch,
+                       p60.LineRateHz, p60.FrameRateMilliHz));
+    // A cut larger than the front porch (10, 51), or one that leaves less than 16 pixels of
+    // blanking (55).
+    for (auto [id, rate] : {std::pair{10, 75000u}, {51, 63000u}, {55, 60000u}}) {
+        t = Main(id);
+        EXPECT_EQ(VidTimingChangeRate(&t, rate), -1) << id;
+        EXPECT_TRUE(Same(t, Main(id))) << id;
+    }
+}
+
+TEST(VidTimingChangeRate, BlankingOfSixteen) {
+    VidTiming t   = Main(53);
+    t.HFrontPorch = 1000; // a caller's record with room in the porch: 1280 + 1000 + 2 + 2
+    t.HSyncWidth  = 2;
+    t.HBackPorch  = 2;
+    t.HBlank      = 1004;
+    t.HTotal      = 2284;
+    VidTiming u   = t;
+    // 2284 x 60000 / rate: 1296 pixels leave 16 of blanking, 1295 only 15.
+    EXPECT_EQ(VidTimingChangeRate(&u, 105740), 0);
+    EXPECT_EQ(u.HTotal, 1296u);
+    EXPECT_EQ(u.HFrontPorch, 12u);
+    u = t;
+    EXPECT_EQ(VidTimingChangeRate(&u, 105800), -1);
+    EXPECT_TRUE(Same(u, t));
+}
+
+TEST(VidTimingForClock, LineFollowsTheClock) {
+    VidTiming t{};
+    EXPECT_EQ(VidTimingForClock(4, 74250, &t), 0);
+    EXPECT_EQ(std::tie(t.HTotal, t.HBlank, t.HFrontPorch, t.LineRateHz, t.FrameRateMilliHz,
+                       t.PixelPeriodPs, t.LinePeriodNs, t.FramePeriodUs, t.PixelClockKHz),
+              std::make_tuple(2359u, 1719u, 1575u, 31475u, 59952u, 13468u, 31771u, 16679u, 74250u));
+    EXPECT_EQ(VidTimingForClock(53, 74250, &t), 0);
+    EXPECT_TRUE(Same(t, Main(53)));
+    // 1024x768at60 at 55000 kHz: 113 pixels of blanking are less than its sync and back porch.
+    EXPECT_EQ(VidTimingForClock(14, 55000, &t), 0);
+    EXPECT_EQ(std::tie(t.HTotal, t.HBlank, t.HSyncWidth, t.HBackPorch, t.HFrontPorch),
+              std::make_tuple(1137u, 113u, 1u, 1u, 111u));
+}
+
+TEST(VidTimingForClock, MarginOfThreePixels) {
+    VidTiming t{};
+    EXPECT_EQ(VidTimingForClock(23, 50000, &t), -1); // N = 781
+    EXPECT_TRUE(Same(t, Main(23)));
+    EXPECT_EQ(VidTimingForClock(14, 49669, &t), 0); // N = 1027 = 1024 + 3
+    EXPECT_EQ(std::tie(t.HBlank, t.HFrontPorch), std::make_tuple(3u, 1u));
+    EXPECT_EQ(VidTimingForClock(14, 49668, &t), -1); // N = 1026
+    EXPECT_TRUE(Same(t, Main(14)));
+    EXPECT_EQ(VidTimingForClock(14, 0, &t), -1);
+    t = Garbage();
+    EXPECT_EQ(VidTimingForClock(33, 74250, &t), -1);
+    EXPECT_EQ(VidTimingForClock(61, 74250, &t), -1);
+    EXPECT_TRUE(Same(t, Garbage()));
+}
+
+// ---- The 74250 kHz clock ----
+
+TEST(VidTimingFor74MHz, RetimesWithTotals) {
+    VidTiming t{};
+    EXPECT_EQ(VidTimingFor74MHz(59, &t), 0);
+    EXPECT_EQ(
+        std::tie(t.HTotal, t.HBlank, t.HFrontPorch, t.VTotal, t.VBlank, t.VFrontPorch, t.LineRateHz,
+                 t.FrameRateMilliHz, t.PixelClockKHz, t.PixelPeriodPs),
+        std::make_tuple(3003u, 2283u, 2161u, 825u, 345u, 306u, 24725u, 29969u, 74250u, 13468u));
+    EXPECT_EQ(VidTimingFor74MHz(14, &t), 0);
+    EXPECT_EQ(std::tie(t.HBlank, t.HSyncWidth, t.HBackPorch, t.HFrontPorch),
+              std::make_tuple(250u, 1u, 1u, 248u));
+}
+
+TEST(VidTimingFor74MHz, MergesFieldsOnItsOwnClock) {
+    VidTiming t{};
+    EXPECT_EQ(VidTimingFor74MHz(74, &t), 0);
+    EXPECT_EQ(std::tie(t.VActive, t.VBlank, t.VTotal, t.VFrontPorch, t.VSyncWidth, t.VBackPorch),
+              std::make_tuple(1080u, 45u, 1125u, 4u, 10u, 31u));
+    EXPECT_EQ(t.VActive2 + t.VBlank2 + t.VTotal2 + t.VFrontPorch2 + t.VSyncWidth2 + t.VBackPorch2,
+              0u);
+    EXPECT_EQ(std::tie(t.FrameRateMilliHz, t.VFieldMark, t.VFieldMark2),
+              std::make_tuple(30000u, 2u, 3u));
+    EXPECT_EQ(VidTimingFor74MHz(53, &t), 0);
+    EXPECT_TRUE(Same(t, Main(53)));
+}
+
+TEST(VidTimingFor74MHz, OtherClockWithoutTotals) {
+    for (int32_t id : {52, 1}) {
+        VidTiming t{};
+        EXPECT_EQ(VidTimingFor74MHz(id, &t), -1) << id;
+        EXPECT_TRUE(Same(t, Main(id)));
+    }
+    VidTiming t = Garbage();
+    EXPECT_EQ(VidTimingFor74MHz(33, &t), -1);
+    EXPECT_EQ(VidTimingFor74MHz(61, &t), -1);
+    EXPECT_TRUE(Same(t, Garbage()));
+    uint32_t h = 7, v = 7;
+    EXPECT_EQ(VidTimingTotals74(53, &h, &v), -1);
+    EXPECT_EQ(std::tie(h, v), std::make_tuple(7u, 7u));
+    EXPECT_EQ(VidTimingTotals74(35, &h, &v), 0);
+    EXPECT_EQ(std::tie(h, v), std::make_tuple(1875u, 1320u));
+}
+
+// Retiming an interlaced record merges its fields: ntsc on a line of 3432 pixels.
+TEST(VidTimingRetime74, MergesFieldsAndKeepsMarks) {
+    VidTiming t = Main(1);
+    EXPECT_EQ(VidTimingRetime74(&t, 3432, 525), 0);
+    EXPECT_EQ(std::tie(t.HBlank, t.HFrontPorch, t.VActive, t.VBlank, t.VFrontPorch, t.VSyncWidth,
+                       t.VBackPorch, t.VActive2, t.VTotal2, t.VFieldMark, t.VFieldMark2),
+              std::make_tuple(2712u, 2590u, 480u, 45u, 26u, 3u, 16u, 0u, 0u, 3u, 2u));
+    EXPECT_EQ(std::tie(t.LineRateHz, t.FrameRateMilliHz, t.LinePeriodNs, t.FramePeriodUs),
+              std::make_tuple(21634u, 41207u, 46222u, 24266u));
+}
+
+TEST(VidTimingMergeFields, ProgressiveRecordUnchanged) {
+    VidTiming t = Main(58);
+    EXPECT_EQ(VidTimingMergeFields(&t), 0);
+    EXPECT_TRUE(Same(t, Main(58)));
+    t = Main(2);
+    EXPECT_EQ(VidTimingMergeFields(&t), 0);
+    EXPECT_EQ(std::tie(t.VActive, t.VTotal, t.VBackPorch, t.FrameRateMilliHz),
+              std::make_tuple(576u, 625u, 39u, 25000u));
+}
+
+TEST(VidTimingDeathTest, CallerErrorsAssert) {
+    VidTiming t = Main(53);
+    EXPECT_DEATH(VidTimingRetime74(&t, 1281, 750), "hTotal >= record->HActive \\+ 2");
+    EXPECT_DEATH(VidTimingFind(53, nullptr, &t), "table != nullptr");
+    EXPECT_DEATH(VidTimingById(53, nullptr), "record != nullptr");
+}
+
+} // namespace
