@@ -2,6 +2,7 @@
 #include "Common/OS/os.h"
 
 #include "Common/OS/clockSource.h"
+#include "Common/OS/log.h"
 
 #include <atomic>
 #include <sys/select.h>
@@ -23,9 +24,11 @@ const ClockSource &source() {
     return s != nullptr ? *s : ClockPlatformSource();
 }
 
-// The counter's failure reports. They go to the log's critical level once
-// the log exists; until then a failed start is silent and the clock reads 0.
-void clockReportFailure(const char *) {}
+// The counter's failure reports, at the log's critical level under the OS
+// layer's source word.
+void clockReportFailure(const char *text) {
+    LogCrit("os", "%s", text);
+}
 
 } // namespace
 

@@ -1,0 +1,122 @@
+// Several threads log whole lines, fragments and repeats at once: every line
+// that reaches the queue is well formed, no text is torn or lost, and the
+// repeat reports account for every suppressed line.
+#include "logTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <latch>
+#include <map>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using logtest::LogTest;
+
+constexpr int wholeThreads    = 3;
+constexpr int fragmentThreads = 3;
+constexpr int linesPerThread  = 1500;
+constexpr int repeatedLines   = 1500;
+constexpr int fragmentsPerEnd = 4; // every fourth fragment carries the newline
+
+// Level words and the column behind them, as a line may start.
+bool startsWellFormed(const std::string &line) {
+    static const char *const words[] = {"CRIT  ", "ERROR ", "WARN  ", "INFO  ", "DEBUG "};
+    for (const char *word : words) {
+        if (line.rfind(std::string(word) + "pc[0]: ", 0) == 0)
+            return true;
+    }
+    return false;
+}
+
+// Texts between '<' and '>' in the order they appear; an unmatched bracket
+// is a torn text and is returned as "torn".
+std::vector<std::string> tokensOf(const std::string &line) {
+    std::vector<std::string> tokens;
+    size_t at = 0;
+    while ((at = line.find('<', at)) != std::string::npos) {
+        const size_t end  = line.find('>', at);
+        const size_t next = line.find('<', at + 1);
+        if (end == std::string::npos || (next != std::string::npos && next < end)) {
+            tokens.emplace_back("torn");
+            return tokens;
+        }
+        tokens.push_back(line.substr(at + 1, end - at - 1));
+        at = end + 1;
+    }
+    return tokens;
+}
+
+TEST_F(LogTest, ConcurrentLinesAndFragmentsStayWhole) {
+    LogSetSpewFilter(1);
+    std::latch start(wholeThreads + fragmentThreads + 1);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < wholeThreads; ++t) {
+        threads.emplace_back([t, &start] {
+            start.arrive_and_wait();
+            for (int i = 0; i < linesPerThread; ++i)
+                LogPrintf(i % 8, (i & 1) != 0 ? "os" : nullptr, "<w%d-%05d> whole line\n", t, i);
+        });
+    }
+    for (int t = 0; t < fragmentThreads; ++t) {
+        threads.emplace_back([t, &start] {
+            start.arrive_and_wait();
+            for (int i = 0; i < linesPerThread; ++i) {
+                const bool ends = (i + 1) % fragmentsPerEnd == 0 || i + 1 == linesPerThread;
+                LogWarn("log", ends ? "<f%d-%05d>\n" : "<f%d-%05d>", t, i);
+            }
+        });
+    }
+    threads.emplace_back([&start] {
+        start.arrive_and_wait();
+        for (int i = 0; i < repeatedLines; ++i)
+            LogInfo("os", "<same>\n");
+    });
+    for (std::thread &thread : threads)
+        thread.join();
+    LogInfo("os", "<end>\n"); // reports what is still counted
+    LogSetSpewFilter(0);
+
+    std::map<std::string, int> seen;
+    std::map<int, int> lastWhole; // thread -> last line number seen
+    int sameShown    = 0;
+    int sameReported = 0;
+    for (const std::string &line : lines()) {
+        ASSERT_LE(line.size(), 511u) << line;
+        ASSERT_TRUE(startsWellFormed(line)) << line;
+        ASSERT_EQ(line.back(), '\n') << line;
+        int reported = 0;
+        if (std::sscanf(line.c_str(), "DEBUG pc[0]: ...last line repeated %d times\n", &reported) ==
+            1) {
+            sameReported += reported - 1;
+            continue;
+        }
+        for (const std::string &token : tokensOf(line)) {
+            ASSERT_NE(token, "torn") << line;
+            int t = 0, i = 0;
+            if (token == "same") {
+                ++sameShown;
+            } else if (std::sscanf(token.c_str(), "w%d-%d", &t, &i) == 2) {
+                // One thread's whole lines reach the queue in their order.
+                auto it = lastWhole.find(t);
+                EXPECT_TRUE(it == lastWhole.end() || it->second < i) << line;
+                lastWhole[t] = i;
+                ++seen[token];
+            } else {
+                ++seen[token];
+            }
+        }
+    }
+    // Every whole line and every fragment exactly once.
+    EXPECT_EQ(seen.size(),
+              static_cast<size_t>((wholeThreads + fragmentThreads) * linesPerThread + 1));
+    for (const auto &[token, count] : seen)
+        EXPECT_EQ(count, 1) << token;
+    // Each repeated line was shown or counted in a report.
+    EXPECT_EQ(sameShown + sameReported, repeatedLines);
+}
+
+} // namespace
