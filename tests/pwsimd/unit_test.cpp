@@ -81,9 +81,12 @@ TEST(PwsimdTiming, WordsAreInTheReplyOrder) {
               (std::vector<uint16_t>{1, 6000, 1650, 750, 1280, 720, 0, 0, 0x42}));
 }
 
+// Options point into argv: the words stay until the next parse.
 bool parse(std::vector<std::string> args, SimOptions &options, std::string &error) {
+    static std::vector<std::string> kept;
+    kept = std::move(args);
     std::vector<char *> argv{const_cast<char *>("pwsimd")};
-    for (std::string &a : args)
+    for (std::string &a : kept)
         argv.push_back(a.data());
     argv.push_back(nullptr);
     char text[200] = "";
