@@ -55,8 +55,10 @@ SysCapsWord ValueWord(const SysCapsRow &row) {
     return row.Value.Number;
 }
 
-// Prints the value of a row with its format. The formats are matched here so that each call of
-// snprintf has a literal format; a null text or float reference prints as "(null)".
+// Prints the value of a row with its format. No size comes with the buffer: it must hold
+// SYS_CAPS_TEXT_SIZE bytes (the longest row prints as 58 characters), and a longer value that a
+// program stored is cut there. The formats are matched here so that each call of snprintf has a
+// literal format; a null text or float reference prints as "(null)".
 void PrintValue(const SysCapsRow &row, char *buffer) {
     if (std::strcmp(row.Format, SYS_CAPS_FMT_FLOAT) == 0) {
         if (row.Value.Real == nullptr) {
@@ -78,8 +80,8 @@ void PrintValue(const SysCapsRow &row, char *buffer) {
 extern "C" void initSysCapsTbl(int32_t sysType) {
     const TableSet *set = sysCaps::TableSetOfType(sysType);
     if (set == nullptr) {
-        // A program must set a type with tables before its first access. The failure names the
-        // data module and line that reports of this assertion have always carried.
+        // A program must set a type with tables before its first access. The failure is reported
+        // at the fixed place by which this assertion is known: the data module, line 1341.
         OsAssertFail("0", "avc/main/sysCapsData", 1341, __func__);
     }
     selectedSet.store(set, std::memory_order_release);

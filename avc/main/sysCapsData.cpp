@@ -1,5 +1,9 @@
 // Capability data: the category tables of every table set, the HDAM board override blocks, the
 // connection-rate blocks, and the selection of a table set by SysType.
+//
+// The codes of MainDspType, HdamDspType, HdamFpgaType, HdamFpgaVendor, FpgaLoadFamily and
+// h320VantrelType, the bits of ViopCamCtrl, Ths7303CamCtrl and BoardRevsWithRtc, and the numbers
+// of FanConfig belong to the programs that read those keys; they are stored and handed on as given.
 #include "avc/main/sysCapsData.h"
 
 #include "Common/OS/osAssert.h"

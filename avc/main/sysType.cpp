@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cctype>
+#include <cstdint>
 #include <cstdlib>
 #include <strings.h>
 
