@@ -100,8 +100,8 @@ bool SimPipesCreate(const char *dir, SimPipes &pipes, char *error, std::size_t e
     }
     std::size_t length = std::strlen(dir);
     if (length > PW_PATH_MAX) {
-        std::snprintf(error, errorSize, "folder '%s' is too long: %u characters, at most %d", dir,
-                      static_cast<unsigned>(length), PW_PATH_MAX);
+        std::snprintf(error, errorSize, "folder '%.200s' is too long: %u characters, at most %d",
+                      dir, static_cast<unsigned>(length), PW_PATH_MAX);
         return false;
     }
     struct stat st {};
