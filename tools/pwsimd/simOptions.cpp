@@ -52,7 +52,7 @@ constexpr const char helpText[] =
     "N payload bytes (bad: bytes skipped); W payload words as four hex digits,\n"
     "comma-separated, - when none. NOTE of a reply: - as the device answered, else\n"
     "the faults that shaped it joined with + (never, late, status0, split, crc,\n"
-    "garbage, other-if), +full when the reply pipe was full, or refused for an\n"
+    "garbage, other-if), +full when there was no room for the reply, or refused for an\n"
     "unknown opcode or a wrong length. After never, full or refused nothing is sent.\n"
     "A late reply's rep line comes when it is written.\n"
     "\n"

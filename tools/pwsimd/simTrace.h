@@ -15,7 +15,8 @@
 //        comma-separated; "-" when there are none
 // NOTE   "-" for a reply sent as the device gave it; else the faults that
 //        shaped it joined with '+' (never, late, status0, split, crc,
-//        garbage, other-if), "+full" added when the reply pipe was full, or
+//        garbage, other-if), "+full" added when there was no room for the
+//        reply (its pipe or the queue of pending replies was full), or
 //        "refused" for a request the device doesn't answer (unknown opcode or
 //        wrong length). With never, full or refused nothing was sent.
 // Every request gets one req line when it has been read whole and one rep
