@@ -7,7 +7,6 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
 
 namespace {
 

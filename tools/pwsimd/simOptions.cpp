@@ -3,7 +3,6 @@
 
 #include <charconv>
 #include <cstdio>
-#include <cstring>
 #include <getopt.h>
 #include <string_view>
 

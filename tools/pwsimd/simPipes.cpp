@@ -2,8 +2,6 @@
 // creating, holding and removing the twelve pipes.
 #include "tools/pwsimd/simPipes.h"
 
-#include "Common/OS/osAssert.h"
-
 #include <array>
 #include <cerrno>
 #include <cstdio>

@@ -2,7 +2,6 @@
 // of replies ordered by the time they are due.
 #include "tools/pwsimd/simServer.h"
 
-#include "Common/OS/osAssert.h"
 #include "tools/pwsimd/simDevice.h"
 #include "tools/pwsimd/simFaults.h"
 #include "tools/pwsimd/simStream.h"
@@ -25,7 +24,7 @@ struct Pending {
     std::size_t Pair;
     bool First;       // the first piece carries the trace line
     unsigned Applied; // faults, for the trace line
-    PWMsg Msg;        // the reply as the device gave it, for the trace line
+    PWMsg Msg;        // the reply as sent (status0 applied), for the trace line
     std::size_t Size;
     uint8_t Bytes[pwBufferSize];
 };
