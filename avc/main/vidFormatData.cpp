@@ -206,10 +206,10 @@ constexpr std::array<VidFormatAlias, kAliasRows> VidFormatAliasTable = {{
 // WIDTHxHEIGHTatREFRESH names.
 /* FormatId (interlaced), ProgressiveId */
 constexpr std::array<VidFormatProgressive, kProgressiveRows> VidFormatProgressiveMap = {{
-    {1,  59}, // "ntsc"    -> "480p"
-    {2,  60}, // "pal"     -> "576p"
-    {74, 55}, // "1080i60" -> "1080p30"
-    {73, 54}, // "1080i50" -> "1080p25"
+    {1,  59}, // "ntsc"           -> "480p"
+    {2,  60}, // "pal"            -> "576p"
+    {74, 55}, // "1080i60"        -> "1080p30"
+    {73, 54}, // "1080i50"        -> "1080p25"
     {79, 55}, // "1920x1080at60i" -> "1080p30"
     {78, 54}, // "1920x1080at50i" -> "1080p25"
 }};

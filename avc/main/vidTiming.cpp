@@ -256,6 +256,8 @@ int32_t VidTimingTotals74(int32_t formatId, uint32_t *hTotal, uint32_t *vTotal) 
     return -1;
 }
 
+// The field marks have no meaning for any computation here: they travel with the record as the
+// tables give them, also once the fields are merged.
 int32_t VidTimingMergeFields(VidTiming *record) {
     OS_ASSERT(record != nullptr);
     record->VActive += record->VActive2;

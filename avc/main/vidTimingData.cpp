@@ -29,7 +29,8 @@ using vidTiming::kTotals74Rows;
 // clang-format off
 
 // Every format with a record, one row per format id, closed by a row of zeros. The comment gives
-// the format's mode name.
+// the format's mode name. The record tables are plain arrays, not std::array, because the public
+// header names them for C callers of VidTimingFind.
 extern "C" constexpr VidTiming VidTimingMainTable[kMainRows + 1] = {
     // Id  Vesa  Hd  ClkKHz  PixPs  HAct  HBlk  HTot   HFP  HSW  HBP  LineHz  LineNs  FrameMHz  FrameUs  HPos  VPos  VAct  VBlk  VTot  VFP  VSW  VBP  VMk  VAct2  VBlk2  VTot2  VFP2  VSW2  VBP2  VMk2
     {   1,    0,  0,  13500, 74074,  720,  138,  858,   16,  63,  59,  15734,  63556,    29970,   33367,    1,    1,  240,   22,  262,   3,   3,  16,   3,   240,    23,   263,    3,    3,   17,    2}, // "ntsc"

@@ -1,7 +1,7 @@
 // Tests of the video format names: invariants of the tables, lookups by name and by id, alias
 // folding, the progressive map and the allowed lists of each system type.
-#include "avc/main/vidFormat.h"
 #include "avc/main/sysType.h"
+#include "avc/main/vidFormat.h"
 #include "avc/main/vidFormatData.h"
 
 #include <gtest/gtest.h>

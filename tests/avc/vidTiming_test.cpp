@@ -1,8 +1,8 @@
 // Tests of the video timing records: invariants of the tables, coverage of the format ids, the
 // lookups and the derivations against their worked examples.
-#include "avc/main/vidTiming.h"
 #include "avc/main/vidFormat.h"
 #include "avc/main/vidFormatData.h"
+#include "avc/main/vidTiming.h"
 #include "avc/main/vidTimingData.h"
 
 #include <gtest/gtest.h>
