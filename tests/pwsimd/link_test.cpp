@@ -113,7 +113,7 @@ TEST_F(PwsimdLink, LostRepliesTimeOutOnTheFaultyChipOnly) {
 
 TEST_F(PwsimdLink, ALateReplyComesAfterTheDelay) {
     SimProcess sim;
-    ASSERT_TRUE(SimStart(sim, {"--fault", "late=1000"}, folder));
+    ASSERT_TRUE(SimStart(sim, {"--fault", "late=2000"}, folder));
     PWHandle *h = PWOpenCmdHandle(2);
     ASSERT_NE(h, nullptr);
     PWMsg reply;
