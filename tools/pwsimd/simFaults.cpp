@@ -51,9 +51,9 @@ bool parseNumber(std::string_view text, uint32_t max, uint32_t &value) {
 
 } // namespace
 
-bool SimFaultParse(std::string_view spec, SimFaults (&faults)[PW_MAX_CHIPS], char *error,
+bool SimFaultParse(std::string_view option, SimFaults (&faults)[PW_MAX_CHIPS], char *error,
                    std::size_t errorSize) {
-    std::string_view name = spec;
+    std::string_view name = option;
     std::string_view value;
     std::string_view chipText;
     bool hasValue = false, hasChip = false;
@@ -67,7 +67,7 @@ bool SimFaultParse(std::string_view spec, SimFaults (&faults)[PW_MAX_CHIPS], cha
         name     = name.substr(0, eq);
         hasValue = true;
     }
-    const int specLength = static_cast<int>(spec.size());
+    const int textLength = static_cast<int>(option.size());
 
     const FaultKind *kind = findFault(name);
     if (kind == nullptr) {
@@ -80,19 +80,19 @@ bool SimFaultParse(std::string_view spec, SimFaults (&faults)[PW_MAX_CHIPS], cha
     uint32_t number = 0;
     if (kind->TakesValue &&
         (!hasValue || !parseNumber(value, maxFaultValue, number) || number == 0)) {
-        std::snprintf(error, errorSize, "fault '%.*s' needs %s=N with N from 1 to %u", specLength,
-                      spec.data(), kind->Name, static_cast<unsigned>(maxFaultValue));
+        std::snprintf(error, errorSize, "fault '%.*s' needs %s=N with N from 1 to %u", textLength,
+                      option.data(), kind->Name, static_cast<unsigned>(maxFaultValue));
         return false;
     }
     if (!kind->TakesValue && hasValue) {
-        std::snprintf(error, errorSize, "fault '%.*s': %s takes no value", specLength, spec.data(),
-                      kind->Name);
+        std::snprintf(error, errorSize, "fault '%.*s': %s takes no value", textLength,
+                      option.data(), kind->Name);
         return false;
     }
     uint32_t chip = 0;
     if (hasChip && !parseNumber(chipText, PW_MAX_CHIPS - 1, chip)) {
-        std::snprintf(error, errorSize, "fault '%.*s': chip must be 0, 1 or 2", specLength,
-                      spec.data());
+        std::snprintf(error, errorSize, "fault '%.*s': chip must be 0, 1 or 2", textLength,
+                      option.data());
         return false;
     }
 

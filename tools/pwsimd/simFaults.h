@@ -34,7 +34,7 @@ struct SimFaults {
 
 // Applies one "NAME[=VALUE][@CHIP]" to the chip named, or to every chip
 // without "@CHIP". A fault given twice for a chip takes the last value.
-bool SimFaultParse(std::string_view spec, SimFaults (&faults)[PW_MAX_CHIPS], char *error,
+bool SimFaultParse(std::string_view option, SimFaults (&faults)[PW_MAX_CHIPS], char *error,
                    std::size_t errorSize);
 
 // The name of one fault bit as the option and the trace spell it.
