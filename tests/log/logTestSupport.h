@@ -1,6 +1,6 @@
 // Helpers of the log tests: a recorder of the lines that reach the queue, a
-// settings store that keeps texts in memory, and a fixture that brings the
-// process-wide log state back to a known start.
+// settings store in memory, and a fixture that brings the process-wide log
+// state back to a known start.
 #ifndef TESTS_LOG_LOGTESTSUPPORT_H
 #define TESTS_LOG_LOGTESTSUPPORT_H
 
@@ -13,7 +13,6 @@
 
 #include <cstring>
 #include <map>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -21,125 +20,81 @@
 
 namespace logtest {
 
-// Records every line that enters LogEnqueue, in arrival order, from any
-// thread. A length that disagrees with the text is recorded as a failure.
-class LineRecorder {
-  public:
-    LineRecorder() { LogEnqueueObserverSet(&LineRecorder::observe); }
+using Lines = std::vector<std::string>;
+
+// Records every line that enters LogEnqueue, from any thread, in arrival
+// order; a length that disagrees with the text is recorded as "bad length".
+struct LineRecorder {
+    LineRecorder() { LogEnqueueObserverSet(observe); }
     ~LineRecorder() { LogEnqueueObserverSet(nullptr); }
-    LineRecorder(const LineRecorder &)            = delete;
-    LineRecorder &operator=(const LineRecorder &) = delete;
-
-    static std::vector<std::string> take() {
-        std::lock_guard<std::mutex> hold(mutex());
-        return std::exchange(lines(), {});
+    static Lines take() {
+        std::lock_guard<std::mutex> hold(mutex);
+        return std::exchange(lines, {});
     }
-    static int lengthMismatches() {
-        std::lock_guard<std::mutex> hold(mutex());
-        return mismatches();
-    }
-
-  private:
     static void observe(const char *line, int length) {
-        std::lock_guard<std::mutex> hold(mutex());
-        lines().emplace_back(line);
-        if (static_cast<size_t>(length) != std::strlen(line))
-            ++mismatches();
+        std::lock_guard<std::mutex> hold(mutex);
+        lines.emplace_back(static_cast<size_t>(length) == std::strlen(line) ? line : "bad length");
     }
-    static std::mutex &mutex() {
-        static std::mutex m;
-        return m;
-    }
-    static std::vector<std::string> &lines() {
-        static std::vector<std::string> l;
-        return l;
-    }
-    static int &mismatches() {
-        static int n = 0;
-        return n;
-    }
+    static inline std::mutex mutex;
+    static inline Lines lines;
 };
 
-// A settings store in memory. Flags are kept as "True" or "False"; `failReads`
-// makes every read fail like the system's store.
-class MemoryStore {
-  public:
-    MemoryStore() { previous_ = SettingsStoreSet(&store); }
+// A settings store in memory, put in place for the object's lifetime. Flags
+// are kept as "True" or "False"; with `failReads` every read fails.
+struct MemoryStore {
+    MemoryStore() { SettingsStoreSet(&store); }
     ~MemoryStore() {
-        SettingsStoreSet(previous_);
-        texts().clear();
-        failReads() = false;
-    }
-    MemoryStore(const MemoryStore &)            = delete;
-    MemoryStore &operator=(const MemoryStore &) = delete;
-
-    static void put(const std::string &key, int32_t index, const std::string &text) {
-        texts()[{key, index}] = text;
+        SettingsStoreSet(nullptr);
+        texts.clear();
+        failReads = false;
     }
     static std::string get(const std::string &key, int32_t index) {
-        auto it = texts().find({key, index});
-        return it == texts().end() ? std::string("<none>") : it->second;
+        auto it = texts.find({key, index});
+        return it == texts.end() ? "<none>" : it->second;
     }
-    static bool &failReads() {
-        static bool fail = false;
-        return fail;
-    }
-
     static int32_t read(const char *key, int32_t index, char *buffer) {
+        auto it   = texts.find({key, index});
         buffer[0] = '\0';
-        auto it   = texts().find({key, index});
-        if (failReads() || it == texts().end())
+        if (failReads || it == texts.end())
             return SETTINGS_NOT_STORED;
         std::strcpy(buffer, it->second.c_str());
         return 0;
     }
-    static int32_t writeText(const char *key, int32_t index, const char *text) {
-        put(key, index, text);
+    static int32_t write(const char *key, int32_t index, const char *text) {
+        texts[{key, index}] = text;
         return 0;
     }
-    static int32_t writeFlag(const char *key, int32_t index, int32_t flag) {
-        put(key, index, flag != 0 ? "True" : "False");
-        return 0;
+    static int32_t flag(const char *key, int32_t index, int32_t on) {
+        return write(key, index, on != 0 ? "True" : "False");
     }
-    static constexpr SettingsStore store{read, writeText, writeFlag};
-
-  private:
-    using Texts = std::map<std::pair<std::string, int32_t>, std::string>;
-    static Texts &texts() {
-        static Texts t;
-        return t;
-    }
-    const SettingsStore *previous_ = nullptr;
+    static inline std::map<std::pair<std::string, int32_t>, std::string> texts;
+    static inline bool failReads = false;
+    static constexpr SettingsStore store{read, write, flag};
 };
 
 // Brings the log state to a known start with public operations only: empty
-// filter tables, no held fragment, no pending repeat count, repeat
-// suppression and forwarding off. Lines of the reset itself are not recorded.
-inline void resetLogState() {
-    static unsigned resets = 0;
-    LogShowRemove("*");
-    LogCullRemove("*");
-    // A distinct finished line empties the hold and, with suppression on,
-    // reports and clears any pending count.
-    LogSetSpewFilter(1);
-    LogLevelPrintf(7, "reset %u\n", ++resets);
-    LogSetSpewFilter(0);
-    LogSetForward(0);
-}
-
+// filter tables, no held fragment, no pending repeat count (a distinct
+// finished line with suppression on reports and clears it), suppression off.
 class LogTest : public ::testing::Test {
   protected:
+    static void reset() {
+        static unsigned resets = 0;
+        LogShowRemove("*");
+        LogCullRemove("*");
+        LogSetSpewFilter(1);
+        LogLevelPrintf(7, "reset %u\n", ++resets);
+        LogSetSpewFilter(0);
+    }
     void SetUp() override {
-        resetLogState();
-        LineRecorder::take();
+        reset();
         recorder_ = std::make_unique<LineRecorder>();
+        LineRecorder::take();
     }
     void TearDown() override {
         recorder_.reset();
-        EXPECT_EQ(LineRecorder::lengthMismatches(), 0);
-        resetLogState();
+        reset();
     }
-    static std::vector<std::string> lines() { return LineRecorder::take(); }
+    static Lines lines() { return LineRecorder::take(); }
 
   private:
     std::unique_ptr<LineRecorder> recorder_;

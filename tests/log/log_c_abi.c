@@ -8,25 +8,13 @@
 
 int main(void) {
     char word[8];
-    char words[LOG_FORMAT_WORDS_SIZE];
-    char stored[LOG_FILTER_WIDTH] = "old";
-
-    if (LogLevelWord(3, word) != 6 || strcmp(word, "ERROR ") != 0) {
-        printf("level word of 3 is \"%s\"\n", word);
-        return 1;
-    }
-    LogFormatWords(LOG_FORMAT_DATE | LOG_FORMAT_PROC, words);
-    if (strcmp(words, "date proc ") != 0) {
-        printf("format words are \"%s\"\n", words);
-        return 1;
-    }
-    if (SettingsReadText("showfilter", 0, stored) != SETTINGS_NOT_STORED || stored[0] != '\0') {
-        printf("settings read gave \"%s\"\n", stored);
-        return 1;
-    }
-    if (LogInfo("os", "from C %d\n", 1) != 26 || LogCrit(NULL, "x") != 14) {
-        printf("front door results are wrong\n");
-        return 1;
-    }
-    return 0;
+    char text[LOG_FORMAT_WORDS_SIZE] = "old";
+    int ok = SettingsReadText("showfilter", 0, text) == SETTINGS_NOT_STORED && text[0] == '\0';
+    LogFormatWords(LOG_FORMAT_DATE | LOG_FORMAT_PROC, text);
+    ok = ok && strcmp(text, "date proc ") == 0;
+    ok = ok && LogLevelWord(3, word) == 6 && strcmp(word, "ERROR ") == 0;
+    ok = ok && LogInfo("os", "from C %d\n", 1) == 26 && LogCrit(NULL, "x") == 14;
+    if (!ok)
+        printf("the log operations answered wrongly from C\n");
+    return ok ? 0 : 1;
 }

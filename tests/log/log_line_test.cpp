@@ -1,6 +1,6 @@
-// Log entry: exact lines of the front doors, joining of fragments, the 511
-// and 1023 character limits, repeat suppression and its report, the clock's
-// failure reports and the time stamp.
+// Log entry and filters: exact lines, joining of fragments, repeat suppression
+// and its report, show and cull filters, the 511 and 1023 character limits,
+// the clock's failure reports and the time stamp.
 #include "logTestSupport.h"
 
 #include "Common/OS/clockSource.h"
@@ -10,261 +10,162 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <ctime>
-#include <functional>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace {
 
+using logtest::Lines;
 using logtest::LogTest;
-using Lines = std::vector<std::string>;
 
-// ---- Front doors ---------------------------------------------------------
+// A call of LogPrintf, or with a null text a switch of repeat suppression to
+// `level`.
+struct Call {
+    int32_t level;
+    const char *source;
+    const char *text;
+};
+constexpr Call spewOn{1, nullptr, nullptr};
+constexpr Call spewOff{0, nullptr, nullptr};
 
-struct DoorCase {
+struct Scenario {
     const char *what;
-    std::function<int()> log;
-    const char *line;
+    std::vector<const char *> show, cull;
+    std::vector<Call> calls;
+    Lines expected; // lines that reach the queue, in order
 };
 
-TEST_F(LogTest, FrontDoorsBuildExactLines) {
-    // clang-format off
-    /* What, Call, Line that reaches the queue */
-    const std::vector<DoorCase> cases = {
-        {"crit",          [] { return LogCrit("os", "t_start failed %d\n", 14); },   "CRIT  pc[0]: os: t_start failed 14\n"},
-        {"crit no source",[] { return LogCrit(nullptr, "plain\n"); },               "CRIT  pc[0]: plain\n"},
-        {"error",         [] { return LogError("log", "e %s\n", "x"); },            "ERROR pc[0]: log: e x\n"},
-        {"warn",          [] { return LogWarn("os", "w\n"); },                      "WARN  pc[0]: os: w\n"},
-        {"info",          [] { return LogInfo("system_pthread", "i %u\n", 7u); },   "INFO  pc[0]: system_pthread: i 7\n"},
-        {"debug",         [] { return LogDebug("os", "d\n"); },                     "DEBUG pc[0]: os: d\n"},
-        {"level 1",       [] { return LogPrintf(1, "os", "one\n"); },               "CRIT  pc[0]: os: one\n"},
-        {"level 5",       [] { return LogPrintf(5, "os", "five\n"); },              "INFO  pc[0]: os: five\n"},
-        {"level 9",       [] { return LogPrintf(9, "os", "nine\n"); },              "DEBUG pc[0]: os: nine\n"},
-        {"level -1",      [] { return LogPrintf(-1, "os", "minus\n"); },            "DEBUG pc[0]: os: minus\n"},
-        {"level no src",  [] { return LogLevelPrintf(2, "two %c\n", 'z'); },        "CRIT  pc[0]: two z\n"},
-        {"empty source",  [] { return LogWarn("", "e\n"); },                        "WARN  pc[0]: : e\n"},
-    };
-    // clang-format on
-    for (const DoorCase &c : cases) {
-        SCOPED_TRACE(c.what);
-        const int result = c.log();
-        EXPECT_EQ(lines(), Lines{c.line});
-        EXPECT_EQ(result, static_cast<int>(std::strlen(c.line)));
+const char *const rep2 = "DEBUG pc[0]: ...last line repeated 2 times\n";
+const char *const rep3 = "DEBUG pc[0]: ...last line repeated 3 times\n";
+const char *const disk = "disk ABC full\n"; // logged at level 3 under "os"
+
+// clang-format off
+/* What, Show filters, Cull filters, Calls, Lines that reach the queue */
+const std::vector<Scenario> scenarios = {
+    {"level words", {}, {},
+     {{0, "os", "a\n"}, {1, "log", "b\n"}, {3, "os", "c\n"}, {4, "os", "d\n"}, {5, "system_pthread", "e\n"},
+      {6, "os", "f\n"}, {7, "os", "g\n"}, {9, "os", "h\n"}, {-1, "os", "i\n"}, {2, nullptr, "j\n"}},
+     {"CRIT  pc[0]: os: a\n", "CRIT  pc[0]: log: b\n", "ERROR pc[0]: os: c\n", "WARN  pc[0]: os: d\n",
+      "INFO  pc[0]: system_pthread: e\n", "INFO  pc[0]: os: f\n", "DEBUG pc[0]: os: g\n",
+      "DEBUG pc[0]: os: h\n", "DEBUG pc[0]: os: i\n", "CRIT  pc[0]: j\n"}},
+    {"join keeps the first prefix", {}, {},
+     {{6, "os", "abc"}, {3, "log", "def\n"}, {0, nullptr, "ghi\n"}},
+     {"INFO  pc[0]: os: abcdef\n", "CRIT  pc[0]: ghi\n"}},
+    {"newline in the middle", {}, {},
+     {{6, "os", "one\ntwo"}, {6, "os", "three\n"}},
+     {"INFO  pc[0]: os: one\ntwo", "INFO  pc[0]: os: three\n"}},
+    {"repeats off", {}, {},
+     {{6, "os", "A\n"}, {6, "os", "A\n"}, {6, "os", "B\n"}},
+     {"INFO  pc[0]: os: A\n", "INFO  pc[0]: os: A\n", "INFO  pc[0]: os: B\n"}},
+    {"repeats reported before the next line", {}, {},
+     {spewOn, {6, "os", "A\n"}, {6, "os", "A\n"}, {6, "os", "A\n"}, {6, "os", "B\n"}, {6, "os", "C\n"}},
+     {"INFO  pc[0]: os: A\n", rep3, "INFO  pc[0]: os: B\n", "INFO  pc[0]: os: C\n"}},
+    {"repeat is the whole line", {}, {},
+     {spewOn, {6, "os", "s\n"}, {4, "os", "s\n"}, {4, "log", "s\n"}, {4, nullptr, "s"}, {7, "os", "\n"},
+      {4, nullptr, "s\n"}, {6, "os", "t\n"}},
+     {"INFO  pc[0]: os: s\n", "WARN  pc[0]: os: s\n", "WARN  pc[0]: log: s\n", "WARN  pc[0]: s\n",
+      rep2, "INFO  pc[0]: os: t\n"}},
+    {"count waits while off", {}, {},
+     {spewOn, {6, "os", "A\n"}, {6, "os", "A\n"}, spewOff, {6, "os", "B\n"}, {6, "os", "B\n"}, spewOn,
+      {6, "os", "C\n"}},
+     {"INFO  pc[0]: os: A\n", "INFO  pc[0]: os: B\n", "INFO  pc[0]: os: B\n", rep2, "INFO  pc[0]: os: C\n"}},
+    {"report lacks the show filter", {"keep"}, {},
+     {spewOn, {6, "os", "keep A\n"}, {6, "os", "keep A\n"}, {6, "os", "keep B\n"}},
+     {"INFO  pc[0]: os: keep A\n", "INFO  pc[0]: os: keep B\n"}},
+    {"report culled", {}, {"DEBUG"},
+     {spewOn, {6, "os", "A\n"}, {6, "os", "A\n"}, {6, "os", "B\n"}},
+     {"INFO  pc[0]: os: A\n", "INFO  pc[0]: os: B\n"}},
+    {"only the report shows", {"repeated"}, {},
+     {spewOn, {6, "os", "A\n"}, {6, "os", "A\n"}, {6, "os", "B\n"}}, {rep2}},
+    {"show ERROR", {"ERROR"}, {},
+     {{0, "os", "a\n"}, {3, "os", "b\n"}, {4, "os", "c\n"}, {6, "os", "ERROR d\n"}, {7, "os", "error e\n"}},
+     {"ERROR pc[0]: os: b\n", "INFO  pc[0]: os: ERROR d\n"}},
+    {"no filters",         {},              {},       {{3, "os", disk}}, {"ERROR pc[0]: os: disk ABC full\n"}},
+    {"show lacks",         {"net"},         {},       {{3, "os", disk}}, {}},
+    {"second show holds",  {"net", "full"}, {},       {{3, "os", disk}}, {"ERROR pc[0]: os: disk ABC full\n"}},
+    {"show case counts",   {"abc"},         {},       {{3, "os", disk}}, {}},
+    {"show on the column", {"pc[0]: os: "}, {},       {{3, "os", disk}}, {"ERROR pc[0]: os: disk ABC full\n"}},
+    {"cull holds",         {},              {"ABC"},  {{3, "os", disk}}, {}},
+    {"cull on the source", {},              {"os: "}, {{3, "os", disk}}, {}},
+    {"cull lacks",         {},              {"warn"}, {{3, "os", disk}}, {"ERROR pc[0]: os: disk ABC full\n"}},
+    {"show and cull hold", {"disk"},        {"full"}, {{3, "os", disk}}, {}},
+    {"show holds only",    {"disk"},        {"net"},  {{3, "os", disk}}, {"ERROR pc[0]: os: disk ABC full\n"}},
+};
+// clang-format on
+
+TEST_F(LogTest, ScenariosGiveExactLines) {
+    for (const Scenario &s : scenarios) {
+        SCOPED_TRACE(s.what);
+        for (const char *text : s.show)
+            LogShowAdd(text);
+        for (const char *text : s.cull)
+            LogCullAdd(text);
+        for (const Call &c : s.calls) {
+            if (c.text == nullptr)
+                LogSetSpewFilter(c.level);
+            else
+                LogPrintf(c.level, c.source, "%s", c.text);
+        }
+        EXPECT_EQ(lines(), s.expected);
+        reset();
+        lines();
     }
 }
 
-TEST_F(LogTest, LevelWordsClampToTheTableEnds) {
-    // clang-format off
-    /* Level, Word */
-    const std::vector<std::pair<int32_t, const char *>> cases = {
-        {INT32_MIN, "CRIT  "}, {-1, "CRIT  "}, {0, "CRIT  "}, {2, "CRIT  "}, {3, "ERROR "},
-        {4, "WARN  "}, {5, "INFO  "}, {6, "INFO  "}, {7, "DEBUG "}, {8, "DEBUG "}, {INT32_MAX, "DEBUG "},
-    };
-    // clang-format on
-    for (const auto &[level, word] : cases) {
-        char buffer[8];
-        std::memset(buffer, 'x', sizeof buffer);
-        EXPECT_EQ(LogLevelWord(level, buffer), 6);
-        EXPECT_STREQ(buffer, word) << "level " << level;
-    }
-    char prefix[16];
-    EXPECT_EQ(LogProcPrefix(prefix), 7);
-    EXPECT_STREQ(prefix, "pc[0]: ");
-    EXPECT_EQ(processorNumber(), 0);
-}
-
-TEST_F(LogTest, NullFormatReturnsZeroAndLeavesAHeldFragment) {
+TEST_F(LogTest, ResultsAndLimits) {
     const char *noFormat = nullptr;
+    const std::string big(2000, 'q');
     EXPECT_EQ(LogInfo("os", "abc"), 20);
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-security"
-    EXPECT_EQ(LogCrit("os", noFormat), 0);
-    EXPECT_EQ(LogPrintf(3, "log", noFormat), 0);
+    EXPECT_EQ(LogCrit("os", noFormat), 0); // changes nothing: the fragment still waits
 #pragma GCC diagnostic pop
+    EXPECT_EQ(LogInfo("os", "%s", big.c_str()), 17 + 2000);
+    EXPECT_EQ(LogInfo("os", "\n"), 18);
+    // The joined line stops at 511 characters and loses its newline.
+    EXPECT_EQ(lines(), Lines{"INFO  pc[0]: os: abc" + big.substr(0, 511 - 20)});
+
+    // A newline that is the 1024th character of the stack line is lost: the
+    // line waits for the next one. As the 1023rd it is seen, though cut at 511.
+    EXPECT_EQ(LogLevelPrintf(6, "%s\n", std::string(1010, 'x').c_str()), 13 + 1011);
     EXPECT_TRUE(lines().empty());
-    LogInfo("os", "def\n");
-    EXPECT_EQ(lines(), Lines{"INFO  pc[0]: os: abcdef\n"});
+    LogLevelPrintf(3, "end\n");
+    LogLevelPrintf(6, "%s\n", std::string(1009, 'y').c_str());
+    EXPECT_EQ(lines(), (Lines{"INFO  pc[0]: " + std::string(498, 'x'),
+                              "INFO  pc[0]: " + std::string(498, 'y')}));
+
+    // Around 511: 13 + 497 + 1 fits with its newline, one more does not.
+    for (size_t n : {497u, 498u}) {
+        LogLevelPrintf(6, "%s\n", std::string(n, 'z').c_str());
+        LogLevelPrintf(3, "after\n");
+        const std::string line = "INFO  pc[0]: " + std::string(n, 'z') + "\n";
+        EXPECT_EQ(lines(), (Lines{line.substr(0, 511), "ERROR pc[0]: after\n"})) << n;
+    }
 }
 
-// ---- Joining -------------------------------------------------------------
-
-TEST_F(LogTest, FragmentsKeepTheLevelAndSourceOfTheFirst) {
-    EXPECT_EQ(LogPrintf(6, "os", "abc"), 20);
-    EXPECT_TRUE(lines().empty());
-    EXPECT_EQ(LogPrintf(3, "log", "def\n"), 22);
-    LogCrit(nullptr, "ghi\n");
-    EXPECT_EQ(lines(), (Lines{"INFO  pc[0]: os: abcdef\n", "CRIT  pc[0]: ghi\n"}));
-}
-
-TEST_F(LogTest, FragmentOfAnotherThreadIsJoinedInArrivalOrder) {
-    std::thread other([] { LogWarn("os", "from other, "); });
-    other.join();
+TEST_F(LogTest, FragmentOfAnotherThreadIsJoined) {
+    std::thread([] { LogWarn("os", "from other, "); }).join();
     LogDebug("log", "then main\n");
     EXPECT_EQ(lines(), Lines{"WARN  pc[0]: os: from other, then main\n"});
 }
 
-TEST_F(LogTest, NewlineInTheMiddleEndsTheLineWhole) {
-    LogInfo("os", "first\nsecond");
-    LogInfo("os", "next\n");
-    EXPECT_EQ(lines(), (Lines{"INFO  pc[0]: os: first\nsecond", "INFO  pc[0]: os: next\n"}));
-}
-
-// ---- Limits --------------------------------------------------------------
-
-// A text of `count` copies of `c`.
-std::string filled(size_t count, char c) {
-    return std::string(count, c);
-}
-
-TEST_F(LogTest, LineIsCutAt511AndLosesANewlineBeyondIt) {
-    struct CutCase {
-        size_t textLength; // characters before the newline
-        size_t kept;       // characters of the line that goes on
-        bool newline;      // whether it still ends in its newline
-    };
-    // clang-format off
-    /* TextLength, Kept, Newline */
-    const std::vector<CutCase> cases = {
-        {0,    14,  true},
-        {497,  511, true},   // 13 + 497 + 1 = 511: fits exactly
-        {498,  511, false},  // one more: the newline is cut off
-        {600,  511, false},
-        {1009, 511, false},  // the newline is the 1023rd character: still seen
-    };
-    // clang-format on
-    for (const CutCase &c : cases) {
-        SCOPED_TRACE(c.textLength);
-        const std::string text = filled(c.textLength, 'y') + "\n";
-        EXPECT_EQ(LogLevelPrintf(6, "%s", text.c_str()), static_cast<int>(13 + text.size()));
-        const std::string expected = ("INFO  pc[0]: " + text).substr(0, c.kept);
-        const Lines got            = lines();
-        ASSERT_EQ(got.size(), 1u);
-        EXPECT_EQ(got[0], expected);
-        EXPECT_EQ(got[0].back() == '\n', c.newline);
-        // The hold is empty again: the next line has a prefix of its own.
-        LogLevelPrintf(3, "after\n");
-        EXPECT_EQ(lines(), Lines{"ERROR pc[0]: after\n"});
+TEST_F(LogTest, LevelWordsClampAndProcessorColumn) {
+    const std::vector<std::pair<int32_t, const char *>> cases = {
+        {INT32_MIN, "CRIT  "}, {-1, "CRIT  "}, {2, "CRIT  "}, {3, "ERROR "},
+        {4, "WARN  "},         {5, "INFO  "},  {8, "DEBUG "}, {INT32_MAX, "DEBUG "}};
+    for (const auto &[level, word] : cases) {
+        char buffer[8] = "xxxxxxx";
+        EXPECT_EQ(LogLevelWord(level, buffer), 6);
+        EXPECT_STREQ(buffer, word) << level;
     }
+    char prefix[16];
+    EXPECT_EQ(LogProcPrefix(prefix), 7);
+    EXPECT_STREQ(prefix, "pc[0]: ");
 }
 
-TEST_F(LogTest, NewlineBeyond1023IsLostAndTheLineWaits) {
-    // 13 + 1010 characters fill the stack line; the newline is the 1024th.
-    const std::string text = filled(1010, 'x') + "\n";
-    EXPECT_EQ(LogLevelPrintf(6, "%s", text.c_str()), 13 + 1011);
-    EXPECT_TRUE(lines().empty());
-    LogError("log", "end\n");
-    const std::string held = ("INFO  pc[0]: " + text).substr(0, 511);
-    EXPECT_EQ(lines(), Lines{held});
-}
-
-TEST_F(LogTest, ResultCountsTheWholeTextThoughLittleIsKept) {
-    const std::string text = filled(2000, 'q');
-    EXPECT_EQ(LogInfo("os", "%s", text.c_str()), 17 + 2000);
-    EXPECT_EQ(LogInfo("os", "\n"), 18);
-    const Lines got = lines();
-    ASSERT_EQ(got.size(), 1u);
-    EXPECT_EQ(got[0], "INFO  pc[0]: os: " + filled(511 - 17, 'q'));
-}
-
-TEST_F(LogTest, JoinedLineStopsGrowingAt511) {
-    for (int i = 0; i < 7; ++i)
-        LogInfo("os", "%s", filled(100, static_cast<char>('a' + i)).c_str());
-    LogInfo("os", "tail\n");
-    std::string expected = "INFO  pc[0]: os: ";
-    for (int i = 0; i < 5; ++i)
-        expected += filled(100, static_cast<char>('a' + i));
-    expected.resize(511);
-    EXPECT_EQ(lines(), Lines{expected});
-}
-
-// ---- Repeats -------------------------------------------------------------
-
-const char *reportOf(int count) {
-    static std::string report;
-    report = "DEBUG pc[0]: ...last line repeated " + std::to_string(count) + " times\n";
-    return report.c_str();
-}
-
-TEST_F(LogTest, RepeatsAreReportedBeforeTheNextDifferentLine) {
-    LogSetSpewFilter(1);
-    for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(LogInfo("os", "A\n"), 19);
-    LogInfo("os", "B\n");
-    LogInfo("os", "B\n");
-    EXPECT_EQ(lines(), (Lines{"INFO  pc[0]: os: A\n", reportOf(3), "INFO  pc[0]: os: B\n"}));
-    // A single line between others gives no report.
-    LogInfo("os", "C\n");
-    LogInfo("os", "D\n");
-    EXPECT_EQ(lines(), (Lines{reportOf(2), "INFO  pc[0]: os: C\n", "INFO  pc[0]: os: D\n"}));
-}
-
-TEST_F(LogTest, WithoutSuppressionEveryRepeatGoesOn) {
-    for (int i = 0; i < 3; ++i)
-        LogInfo("os", "A\n");
-    LogInfo("os", "B\n");
-    EXPECT_EQ(lines(), (Lines{"INFO  pc[0]: os: A\n", "INFO  pc[0]: os: A\n",
-                              "INFO  pc[0]: os: A\n", "INFO  pc[0]: os: B\n"}));
-}
-
-TEST_F(LogTest, RepeatCountsTheWholeLine) {
-    LogSetSpewFilter(1);
-    LogInfo("os", "same\n");
-    LogWarn("os", "same\n");
-    LogWarn("log", "same\n");
-    LogWarn(nullptr, "same\n");
-    // A joined line equal to the last one is a repeat as well.
-    LogWarn(nullptr, "sa");
-    LogDebug("os", "me\n");
-    LogInfo("os", "other\n");
-    EXPECT_EQ(lines(), (Lines{"INFO  pc[0]: os: same\n", "WARN  pc[0]: os: same\n",
-                              "WARN  pc[0]: log: same\n", "WARN  pc[0]: same\n", reportOf(2),
-                              "INFO  pc[0]: os: other\n"}));
-}
-
-TEST_F(LogTest, CountWaitsWhileSuppressionIsOff) {
-    LogSetSpewFilter(1);
-    LogInfo("os", "A\n");
-    LogInfo("os", "A\n");
-    LogSetSpewFilter(0);
-    LogInfo("os", "B\n");
-    LogInfo("os", "B\n");
-    LogSetSpewFilter(1);
-    LogInfo("os", "C\n");
-    EXPECT_EQ(lines(), (Lines{"INFO  pc[0]: os: A\n", "INFO  pc[0]: os: B\n",
-                              "INFO  pc[0]: os: B\n", reportOf(2), "INFO  pc[0]: os: C\n"}));
-}
-
-TEST_F(LogTest, ReportPassesTheFilters) {
-    LogSetSpewFilter(1);
-    LogShowAdd("keep");
-    LogInfo("os", "keep A\n");
-    LogInfo("os", "keep A\n");
-    LogInfo("os", "keep B\n");
-    EXPECT_EQ(lines(), (Lines{"INFO  pc[0]: os: keep A\n", "INFO  pc[0]: os: keep B\n"}));
-    LogShowRemove("*");
-
-    LogCullAdd("DEBUG");
-    LogInfo("os", "X\n");
-    LogInfo("os", "X\n");
-    LogInfo("os", "Y\n");
-    EXPECT_EQ(lines(), (Lines{"INFO  pc[0]: os: X\n", "INFO  pc[0]: os: Y\n"}));
-    LogCullRemove("*");
-
-    LogShowAdd("repeated");
-    LogInfo("os", "P\n");
-    LogInfo("os", "P\n");
-    LogInfo("os", "Q\n");
-    EXPECT_EQ(lines(), Lines{reportOf(2)});
-}
-
-// With the lock that the OS layer puts in place (recursive), a line logged on
-// the path of a repeat report, with the lock held, gets in and stands as a
-// line of its own between the report and the new line.
-Lines *nestedSeen = nullptr;
-void logFromInsideTheQueue(const char *line, int) {
-    nestedSeen->emplace_back(line);
+// With the lock of the OS layer (recursive), a line logged on the path of a
+// repeat report, with the lock held, stands between the report and the line.
+void logOnReport(const char *line, int length) {
+    logtest::LineRecorder::observe(line, length);
     if (std::strstr(line, "repeated") != nullptr)
         LogCrit("os", "nested\n");
 }
@@ -274,36 +175,24 @@ TEST_F(LogTest, RecursiveLockLetsALineInFromTheReportPath) {
     pthread_mutexattr_init(&attributes);
     pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
     LogLineLockRecreate(&attributes);
-    pthread_mutexattr_destroy(&attributes);
-
-    Lines seen;
-    nestedSeen    = &seen;
-    auto previous = LogEnqueueObserverSet(logFromInsideTheQueue);
+    LogEnqueueObserverSet(logOnReport);
     LogSetSpewFilter(1);
     LogInfo("os", "A\n");
     LogInfo("os", "A\n");
     LogInfo("os", "B\n");
-    LogEnqueueObserverSet(previous);
+    LogEnqueueObserverSet(logtest::LineRecorder::observe);
     LogLineLockRecreate(nullptr);
-    EXPECT_EQ(seen, (Lines{"INFO  pc[0]: os: A\n", reportOf(2), "CRIT  pc[0]: os: nested\n",
-                           "INFO  pc[0]: os: B\n"}));
+    EXPECT_EQ(lines(), (Lines{"INFO  pc[0]: os: A\n", rep2, "CRIT  pc[0]: os: nested\n",
+                              "INFO  pc[0]: os: B\n"}));
 }
 
-// ---- The clock's failure reports -----------------------------------------
-
-ClockStart failOpen() {
-    return ClockStart::openFailed;
-}
-ClockStart failMap() {
-    return ClockStart::mapFailed;
-}
 uint32_t zero() {
     return 0;
 }
 
 TEST_F(LogTest, ClockFailuresAreReportedAtCritUnderOs) {
-    const ClockSource noDevice{failOpen, zero, zero, zero};
-    const ClockSource noMapping{failMap, zero, zero, zero};
+    const ClockSource noDevice{[] { return ClockStart::openFailed; }, zero, zero, zero};
+    const ClockSource noMapping{[] { return ClockStart::mapFailed; }, zero, zero, zero};
     ClockSourceSet(&noDevice);
     EXPECT_EQ(ClockMillis(), 0u);
     EXPECT_EQ(ClockSeconds(), 0u); // tries again, and reports again
@@ -315,73 +204,36 @@ TEST_F(LogTest, ClockFailuresAreReportedAtCritUnderOs) {
                               "CRIT  pc[0]: os: init_rtcp mmap failed\n"}));
 }
 
-// ---- Time stamp ----------------------------------------------------------
-
 timeval fixedNow{};
-void fixedTimeOfDay(timeval *now) {
-    *now = fixedNow;
-}
 
-class LogTimeStampTest : public LogTest {
-  protected:
-    void SetUp() override {
-        LogTest::SetUp();
-        previous_ = LogTimeOfDaySet(fixedTimeOfDay);
-        // A zone far from UTC: the stamp must not follow it.
-        const char *tz = std::getenv("TZ");
-        savedTz_       = tz != nullptr ? tz : "";
-        hadTz_         = tz != nullptr;
-        setenv("TZ", "XST-9", 1);
-        tzset();
-    }
-    void TearDown() override {
-        if (hadTz_)
-            setenv("TZ", savedTz_.c_str(), 1);
-        else
-            unsetenv("TZ");
-        tzset();
-        LogTimeOfDaySet(previous_);
-        LogSetFormat(0);
-        LogTest::TearDown();
-    }
-
-  private:
-    LogTimeOfDay previous_ = nullptr;
-    std::string savedTz_;
-    bool hadTz_ = false;
-};
-
-TEST_F(LogTimeStampTest, FormBitsChooseDateAndTime) {
-    struct StampCase {
-        long seconds;
-        long micros;
-        uint32_t format;
-        const char *stamp;
-    };
+TEST(LogTimeStamp, FormatBitsChooseDateAndTimeInUtc) {
+    LogTimeOfDaySet([](timeval *now) { *now = fixedNow; });
+    setenv("TZ", "XST-9", 1); // a zone far from UTC, which the stamp ignores
+    tzset();
+    constexpr uint32_t both = LOG_FORMAT_DATE | LOG_FORMAT_TIME;
     // clang-format off
     /* Seconds, Microseconds, Format word, Stamp */
-    const std::vector<StampCase> cases = {
+    const std::vector<std::tuple<long, long, uint32_t, const char *>> cases = {
         {1700000000, 987654, 0,                                  ""},
         {1700000000, 987654, LOG_FORMAT_LEVEL | LOG_FORMAT_PROC, ""},
         {1700000000, 987654, LOG_FORMAT_DATE,                    "2023-11-14 "},
         {1700000000, 987654, LOG_FORMAT_TIME,                    " 22:13:20.987 "},
-        {1700000000, 987654, LOG_FORMAT_DATE | LOG_FORMAT_TIME,  "2023-11-14 22:13:20.987 "},
         {1700000000, 987654, 15,                                 "2023-11-14 22:13:20.987 "},
-        {951782400,  5000,   LOG_FORMAT_DATE | LOG_FORMAT_TIME,  "2000-02-29 00:00:00.005 "},
-        {0,          999,    LOG_FORMAT_DATE | LOG_FORMAT_TIME,  "1970-01-01 00:00:00.000 "},
-        {2147483647, 999999, LOG_FORMAT_TIME,                    " 03:14:07.999 "},
+        {951782400,  5000,   both,                               "2000-02-29 00:00:00.005 "},
+        {0,          999,    both,                               "1970-01-01 00:00:00.000 "},
+        {2147483647, 999999, both,                               "2038-01-19 03:14:07.999 "},
     };
     // clang-format on
-    for (const StampCase &c : cases) {
-        SCOPED_TRACE(c.stamp);
-        fixedNow.tv_sec  = static_cast<time_t>(c.seconds);
-        fixedNow.tv_usec = static_cast<suseconds_t>(c.micros);
-        LogSetFormat(c.format);
+    for (const auto &[seconds, micros, format, stamp] : cases) {
+        fixedNow.tv_sec  = static_cast<time_t>(seconds);
+        fixedNow.tv_usec = static_cast<suseconds_t>(micros);
+        LogSetFormat(format);
         char buffer[LOG_TIME_STAMP_SIZE];
         std::memset(buffer, 'x', sizeof buffer);
-        EXPECT_EQ(LogTimeStamp(buffer), static_cast<int>(std::strlen(c.stamp)));
-        EXPECT_STREQ(buffer, c.stamp);
+        EXPECT_EQ(LogTimeStamp(buffer), static_cast<int>(std::strlen(stamp)));
+        EXPECT_STREQ(buffer, stamp);
     }
+    LogTimeOfDaySet(nullptr);
 }
 
 } // namespace
