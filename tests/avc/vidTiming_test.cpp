@@ -50,7 +50,7 @@ uint64_t Round(uint64_t num, uint64_t den) {
 
 // ---- Tables ----
 
-TEST(VidTimingTables, RowCountsAndClosingRows) {
+TEST(VidTimingTables, RowCountsClosingRowsAndUniqueIds) {
     EXPECT_EQ(Rows(VidTimingMainTable).size(), 61u);
     EXPECT_EQ(std::size(VidTimingMainTable), 62u);
     EXPECT_EQ(Rows(VidTimingOutputTable).size(), 9u);
@@ -60,9 +60,6 @@ TEST(VidTimingTables, RowCountsAndClosingRows) {
     EXPECT_TRUE(Same(VidTimingMainTable[61], zero));
     EXPECT_TRUE(Same(VidTimingOutputTable[9], zero));
     EXPECT_EQ(sizeof(VidTiming), 31 * sizeof(uint32_t));
-}
-
-TEST(VidTimingTables, FormatIdsUnique) {
     for (const VidTiming *table : {VidTimingMainTable, VidTimingOutputTable}) {
         std::set<int32_t> ids;
         for (const VidTiming &t : Rows(table)) {
@@ -134,19 +131,6 @@ TEST(VidTimingTables, MarksAgreeWithModeNames) {
         }
     }
     EXPECT_EQ(interlaced, (std::set<int32_t>{1, 2, 73, 74, 78, 79}));
-}
-
-TEST(VidTimingTables, OutputRowsAreMainRowsButFormat35) {
-    for (const VidTiming &out : Rows(VidTimingOutputTable)) {
-        if (out.FormatId == 35) {
-            EXPECT_EQ(out.PixelClockKHz, 79200u);
-            EXPECT_EQ(out.FrameRateMilliHz, 30000u);
-            EXPECT_EQ(out.HActive, Main(35).HActive);
-            EXPECT_EQ(out.VTotal, Main(35).VTotal);
-        } else {
-            EXPECT_TRUE(Same(out, Main(out.FormatId))) << out.FormatId;
-        }
-    }
 }
 
 // Every id that a name, an alias, a list or a map gives has a record after folding, but the
@@ -485,16 +469,6 @@ TEST(VidTimingRetime74, MergesFieldsAndKeepsMarks) {
               std::make_tuple(2712u, 2590u, 480u, 45u, 26u, 3u, 16u, 0u, 0u, 3u, 2u));
     EXPECT_EQ(std::tie(t.LineRateHz, t.FrameRateMilliHz, t.LinePeriodNs, t.FramePeriodUs),
               std::make_tuple(21634u, 41207u, 46222u, 24266u));
-}
-
-TEST(VidTimingMergeFields, ProgressiveRecordUnchanged) {
-    VidTiming t = Main(58);
-    EXPECT_EQ(VidTimingMergeFields(&t), 0);
-    EXPECT_TRUE(Same(t, Main(58)));
-    t = Main(2);
-    EXPECT_EQ(VidTimingMergeFields(&t), 0);
-    EXPECT_EQ(std::tie(t.VActive, t.VTotal, t.VBackPorch, t.FrameRateMilliHz),
-              std::make_tuple(576u, 625u, 39u, 25000u));
 }
 
 TEST(VidTimingDeathTest, CallerErrorsAssert) {
