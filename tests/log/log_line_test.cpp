@@ -10,7 +10,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <pthread.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -184,6 +186,47 @@ TEST_F(LogTest, RecursiveLockLetsALineInFromTheReportPath) {
     LogLineLockRecreate(nullptr);
     EXPECT_EQ(lines(), (Lines{"INFO  pc[0]: os: A\n", rep2, "CRIT  pc[0]: os: nested\n",
                               "INFO  pc[0]: os: B\n"}));
+}
+
+// A thread cancelled while it holds the line lock (its report is on the way
+// down, blocked in a cancellation point) leaves the lock free.
+int entered[2], never[2];
+void blockOnReport(const char *line, int) {
+    if (std::strstr(line, "repeated") == nullptr)
+        return;
+    char c = 1;
+    EXPECT_EQ(write(entered[1], &c, 1), 1);
+    EXPECT_EQ(read(never[0], &c, 1), 1); // a cancellation point; nothing comes
+}
+
+void *logRepeats(void *) {
+    LogInfo("os", "A\n");
+    LogInfo("os", "A\n");
+    LogInfo("os", "B\n");
+    return nullptr;
+}
+
+TEST_F(LogTest, CancelledThreadReleasesTheLineLock) {
+#ifdef LOG_TEST_UNDER_EMULATOR
+    GTEST_SKIP() << "the emulator aborts on the unwinding of a cancelled thread";
+#endif
+    ASSERT_EQ(pipe(entered), 0);
+    ASSERT_EQ(pipe(never), 0);
+    LogEnqueueObserverSet(blockOnReport);
+    LogSetSpewFilter(1);
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, nullptr, logRepeats, nullptr), 0);
+    char c = 0;
+    ASSERT_EQ(read(entered[0], &c, 1), 1);
+    pthread_cancel(thread);
+    void *result = nullptr;
+    pthread_join(thread, &result);
+    EXPECT_EQ(result, PTHREAD_CANCELED);
+    LogEnqueueObserverSet(logtest::LineRecorder::observe);
+    LogInfo("os", "after\n");
+    EXPECT_EQ(lines(), Lines{"INFO  pc[0]: os: after\n"});
+    for (int fd : {entered[0], entered[1], never[0], never[1]})
+        close(fd);
 }
 
 uint32_t zero() {
