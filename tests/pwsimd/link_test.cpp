@@ -168,6 +168,50 @@ TEST_F(PwsimdLink, OutputStatusIsNoneForTheFirstQueriesOfThatChip) {
     EXPECT_TRUE(SimStop(sim));
 }
 
+// The chip's state outlives a client, stays on its own chip, and what a fault
+// does to a reply still applies to the new timing.
+TEST_F(PwsimdLink, SetModeAndSetCableChangeWhatThatChipReports) {
+    SimProcess sim;
+    ASSERT_TRUE(SimStart(sim, {"--fault", "status0=1@1"}, folder));
+    const std::vector<uint16_t> start = {1, 6000, 1650, 750, 1280, 720, 0, 0, 0};
+    const std::vector<uint16_t> ntsc  = {1, 2997, 858, 525, 720, 480, 0, 0, 0};
+    PWMsg reply;
+    {
+        PWHandle *h = PWOpenCmdHandle(1);
+        ASSERT_NE(h, nullptr);
+        ASSERT_EQ(exchange(h, message(0x05, {5}), reply), PW_OK);
+        EXPECT_EQ(PWReleaseHandle(h), PW_OK);
+    }
+    PWHandle *diag  = PWOpenDiagHandle(1);
+    PWHandle *other = PWOpenCmdHandle(0);
+    ASSERT_NE(diag, nullptr);
+    ASSERT_NE(other, nullptr);
+    ASSERT_EQ(exchange(diag, message(0x03, {}), reply), PW_OK);
+    std::vector<uint16_t> none = ntsc;
+    none[0]                    = 0;
+    EXPECT_EQ(words(reply), none) << "status0 on the new timing";
+    ASSERT_EQ(exchange(diag, message(0x03, {}), reply), PW_OK);
+    EXPECT_EQ(words(reply), ntsc);
+    ASSERT_EQ(exchange(other, message(0x03, {}), reply), PW_OK);
+    EXPECT_EQ(words(reply), start) << "chip 0 was not set";
+
+    ASSERT_EQ(exchange(diag, message(0x04, {5}), reply), PW_OK);
+    ASSERT_EQ(exchange(diag, message(0x2D, {82, 84, 82, 127, 123, 122}), reply), PW_OK);
+    ASSERT_EQ(exchange(diag, message(0x02, {}), reply), PW_OK);
+    std::vector<uint16_t> dviA = start;
+    dviA[0]                    = 2;
+    EXPECT_EQ(words(reply), dviA);
+
+    ASSERT_EQ(exchange(diag, message(0x01, {}), reply), PW_OK);
+    for (uint8_t query : {0x02, 0x03}) {
+        ASSERT_EQ(exchange(diag, message(query, {}), reply), PW_OK);
+        EXPECT_EQ(words(reply), start) << "after the reset, opcode " << int{query};
+    }
+    EXPECT_EQ(PWReleaseHandle(diag), PW_OK);
+    EXPECT_EQ(PWReleaseHandle(other), PW_OK);
+    EXPECT_TRUE(SimStop(sim));
+}
+
 TEST_F(PwsimdLink, SuccessiveClientsAreServed) {
     SimProcess sim;
     ASSERT_TRUE(SimStart(sim, {"--firmware", "7"}, folder));

@@ -3,6 +3,7 @@
 #include "tools/pwsimd/simDevice.h"
 
 #include "Common/OS/osAssert.h"
+#include "tools/pwsimd/simModes.h"
 
 #include <array>
 #include <charconv>
@@ -156,6 +157,8 @@ void SimDeviceInit(SimDevice &device, int chip, const SimDeviceConfig &config) {
     device.Mode          = -1;
     device.Aspect        = -1;
     device.GainsOpcode   = 0;
+    device.Output        = kept.Output;
+    device.Input         = kept.Input;
 }
 
 bool SimDeviceAnswer(SimDevice &device, const PWMsg &request, PWMsg &reply) {
@@ -176,18 +179,20 @@ bool SimDeviceAnswer(SimDevice &device, const PWMsg &request, PWMsg &reply) {
     }
     case simOpQueryInput:
     case simOpQueryOutput:
-        SimTimingToWords(request.Opcode == simOpQueryInput ? device.Config.Input
-                                                           : device.Config.Output,
+        SimTimingToWords(request.Opcode == simOpQueryInput ? device.Input : device.Output,
                          timingWords);
         for (std::size_t i = 0; i < simTimingWords; ++i)
             reply.Payload[i] = timingWords[i];
         reply.Length = 2 * simTimingWords;
         break;
     case simOpSetCable:
-        device.Cable = request.Payload[0];
+        device.Cable        = request.Payload[0];
+        device.Input.Status = SimCableStatus(request.Payload[0], 0);
         break;
     case simOpSetMode:
         device.Mode = request.Payload[0];
+        // A mode the chip doesn't have leaves the output timing as it was.
+        SimModeTiming(request.Payload[0], device.Output.InputSource, device.Output);
         break;
     case simOpQueryVersion:
         reply.Payload[0] = device.Config.Firmware;
@@ -201,6 +206,10 @@ bool SimDeviceAnswer(SimDevice &device, const PWMsg &request, PWMsg &reply) {
         device.GainsOpcode = request.Opcode;
         for (std::size_t i = 0; i < simGainWords; ++i)
             device.Gains[i] = request.Payload[i];
+        // Gains before any set cable say nothing about the input.
+        if (device.Cable >= 0)
+            device.Input.Status =
+                SimCableStatus(static_cast<uint16_t>(device.Cable), request.Opcode);
         break;
     default:
         OS_ASSERT(!"a request kind without an answer");

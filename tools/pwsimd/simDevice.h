@@ -30,7 +30,9 @@ constexpr std::size_t simGainWords   = 6; // words of a set gain/offset request
 
 // Status words of a timing reply.
 constexpr uint16_t simStatusNone  = 0;
-constexpr uint16_t simStatusValid = 1;
+constexpr uint16_t simStatusValid = 1; // a signal; on the input, analogue video
+constexpr uint16_t simStatusDviA  = 2; // an analogue computer signal on the input
+constexpr uint16_t simStatusDviD  = 3; // a digital signal on the input
 
 // One request kind of the link.
 struct SimRequestKind {
@@ -61,7 +63,7 @@ bool SimParseTiming(std::string_view text, SimTiming &timing);
 // The timing as the nine payload words of a reply, in host order.
 void SimTimingToWords(const SimTiming &timing, uint16_t (&words)[simTimingWords]);
 
-// What every chip starts from.
+// What every chip starts from, and comes back to on a reset.
 struct SimDeviceConfig {
     uint16_t Firmware;
     SimTiming Output;
@@ -69,7 +71,15 @@ struct SimDeviceConfig {
 };
 
 // One chip. Values last set are -1 (or GainsOpcode 0) until a request sets
-// them, and again after a reset.
+// them, and again after a reset; Output and Input are then the timings of
+// Config.
+//
+// The timings follow the requests: set output mode gives the output the
+// timing of that mode (a mode the chip doesn't have leaves it as it was);
+// set cable gives the input the status of the input behind that cable, and
+// a set gain/offset after it can tell an analogue signal on the DVI
+// connector from a digital one (simModes.h). The sizes and rate of the input
+// stay those of Config.
 struct SimDevice {
     int Chip;
     SimDeviceConfig Config;
@@ -79,6 +89,8 @@ struct SimDevice {
     int32_t Aspect;  // word of the last set aspect ratio
     uint8_t GainsOpcode;
     uint16_t Gains[simGainWords];
+    SimTiming Output; // what query output reports
+    SimTiming Input;  // what query input reports
 };
 
 void SimDeviceInit(SimDevice &device, int chip, const SimDeviceConfig &config);

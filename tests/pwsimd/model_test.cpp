@@ -1,0 +1,280 @@
+// pwsimd's device model in process: the output follows set output mode for
+// every mode string the tool can send, the input follows set cable and the
+// gains after it, and a reset brings both back.
+#include "avc/main/vidFormat.h"
+#include "avc/main/vidTiming.h"
+#include "tools/pwsimd/simDevice.h"
+#include "tools/pwsimd/simModes.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <map>
+#include <set>
+#include <strings.h>
+#include <vector>
+
+namespace {
+
+using Words = std::vector<uint16_t>;
+
+// Sizes that no mode has, so that an output left alone shows.
+constexpr const char *startTiming = "100x100@1";
+
+SimDevice freshDevice(int chip = 0) {
+    SimDeviceConfig config{};
+    config.Firmware = 1;
+    EXPECT_TRUE(SimParseTiming(startTiming, config.Output));
+    EXPECT_TRUE(SimParseTiming("200x150@7.5", config.Input));
+    SimDevice device;
+    SimDeviceInit(device, chip, config);
+    return device;
+}
+
+// One request to the device; the reply's words. A refusal fails the test.
+Words ask(SimDevice &device, uint8_t opcode, const Words &payload = {}) {
+    PWMsg request{};
+    request.Opcode = opcode;
+    request.Length = static_cast<uint8_t>(2 * payload.size());
+    for (std::size_t i = 0; i < payload.size(); ++i)
+        request.Payload[i] = payload[i];
+    PWMsg reply{};
+    EXPECT_TRUE(SimDeviceAnswer(device, request, reply)) << "opcode " << int{opcode};
+    return Words(reply.Payload, reply.Payload + reply.Length / 2);
+}
+
+const Words vgaGains = {82, 84, 82, 127, 123, 122};
+
+// Words of a timing reply.
+enum : std::size_t { wStatus, wRate, wTotalW, wTotalH, wActiveW, wActiveH };
+
+// Every mode string that reaches a row of the tool's mode table, with the
+// PxwMode that the tool sends for it.
+struct ModeString {
+    const char *Text;
+    uint16_t PxwMode;
+};
+
+// clang-format off
+// Mode string, PxwMode
+const ModeString toolModes[] = {
+    {"ntsc",               5},  {"ntsc_NTSC",          5},
+    {"480p30",             5},  {"480p29",             5},
+    {"480p",               1},  {"480p60",             1},
+    {"480p59",             1},  {"480p_NTSC",          1},
+    {"pal",                7},  {"pal_PAL",            7},
+    {"576p25",             7},
+    {"576p",               6},  {"576p50",             6},  {"576p_PAL",           6},
+    {"half-sd-30",         3},  {"half-sd-25",         33},
+    {"720p60",             0},  {"12x7at60-no-csc",    0},
+    {"720p59",             0},  {"720p_NTSC",          0},
+    {"720p50",             22}, {"720p_PAL",           22},
+    {"720p30",             21}, {"720p25",             20},
+    {"1280x720at60",       34}, {"60HZ1280x720_NTSC",  34},
+    {"1280x720at59",       34}, {"1280x720at30",       34},
+    {"1280x720at50",       35}, {"50HZ1280x720_PAL",   35},
+    {"1280x720at25",       35},
+    {"960x720at50",        43}, {"960x720at60",        42},
+    {"960x720at25",        39}, {"960x720at30",        38},
+    {"1440x1080at25",      41}, {"1440x1080at30",      40},
+    {"1080p30",            36}, {"1080p25",            37},
+    {"640x480at60",        11}, {"60HZ640x480_NTSC",   11}, {"60HZ640x480_PAL",    11},
+    {"640x480at72",        8},  {"72HZ640x480_NTSC",   8},  {"72HZ640x480_PAL",    8},
+    {"640x480at75",        9},  {"75HZ640x480_NTSC",   9},  {"75HZ640x480_PAL",    9},
+    {"640x480at85",        10}, {"85HZ640x480_NTSC",   10}, {"85HZ640x480_PAL",    10},
+    {"800x600at60",        15}, {"60HZ800x600_NTSC",   15}, {"60HZ800x600_PAL",    15},
+    {"800x600at72",        12}, {"72HZ800x600_NTSC",   12}, {"72HZ800x600_PAL",    12},
+    {"800x600at75",        13}, {"75HZ800x600_NTSC",   13}, {"75HZ800x600_PAL",    13},
+    {"800x600at85",        14}, {"85HZ800x600_NTSC",   14}, {"85HZ800x600_PAL",    14},
+    {"1024x768at60",       19}, {"60HZ1024x768_NTSC",  19}, {"60HZ1024x768_PAL",   19},
+    {"1024x768at70",       16}, {"70HZ1024x768_NTSC",  16}, {"70HZ1024x768_PAL",   16},
+    {"1024x768at75",       17}, {"75HZ1024x768_NTSC",  17}, {"75HZ1024x768_PAL",   17},
+    {"1024x768at85",       18}, {"85HZ1024x768_NTSC",  18}, {"85HZ1024x768_PAL",   18},
+    {"1280x960at60",       24}, {"60HZ1280x960_NTSC",  24}, {"60HZ1280x960_PAL",   24},
+    {"1280x960at85",       23}, {"85HZ1280x960_NTSC",  23}, {"85HZ1280x960_PAL",   23},
+    {"1280x1024at60",      27}, {"60HZ1280x1024_NTSC", 27}, {"60HZ1280x1024_PAL",  27},
+    {"1280x1024at75",      25}, {"75HZ1280x1024_NTSC", 25}, {"75HZ1280x1024_PAL",  25},
+    {"1280x1024at85",      26}, {"85HZ1280x1024_NTSC", 26}, {"85HZ1280x1024_PAL",  26},
+    {"1600x1200at60",      28}, {"60HZ1600x1200_NTSC", 28}, {"60HZ1600x1200_PAL",  28},
+    {"1680x1050at60",      31},
+};
+// clang-format on
+
+// The output record of a mode string, as the tool takes it.
+VidTiming outputRecord(const char *text) {
+    int32_t formatId = 0;
+    uint32_t rate    = 0;
+    VidTiming record{};
+    EXPECT_EQ(VidFormatFromName(text, &formatId, &rate), 0) << text;
+    EXPECT_EQ(VidTimingForOutput(formatId, &record), 0) << text;
+    return record;
+}
+
+// Rate (1/100 Hz), TotalWidth, TotalHeight: what a reply says beyond the size.
+using RateAndTotals = std::array<uint32_t, 3>;
+
+TEST(PwsimdModel, EveryModeStringOfTheToolGetsTheActiveSizeItExpects) {
+    // By PxwMode: the rate and totals of each string's record, and what the
+    // chip reported.
+    std::map<uint16_t, std::set<RateAndTotals>> recordsOfMode;
+    std::map<uint16_t, RateAndTotals> reportedOfMode;
+    for (const ModeString &mode : toolModes) {
+        const VidTiming record = outputRecord(mode.Text);
+        SimDevice device       = freshDevice();
+        ask(device, simOpSetMode, {mode.PxwMode});
+        Words out = ask(device, simOpQueryOutput);
+        ASSERT_EQ(out.size(), simTimingWords) << mode.Text;
+        EXPECT_EQ(out[wStatus], simStatusValid) << mode.Text;
+        EXPECT_EQ(out[wActiveW], record.HActive) << mode.Text << ", PxwMode " << mode.PxwMode;
+        EXPECT_EQ(out[wActiveH], record.VActive + record.VActive2)
+            << mode.Text << ", PxwMode " << mode.PxwMode;
+
+        recordsOfMode[mode.PxwMode].insert(
+            {record.FrameRateMilliHz / 10, record.HTotal, record.VTotal + record.VTotal2});
+        reportedOfMode[mode.PxwMode] = {out[wRate], out[wTotalW], out[wTotalH]};
+    }
+    // The chip has one timing per mode: that of one of the strings that lead
+    // to it, not one of another mode of the same size.
+    for (const auto &[pxwMode, reported] : reportedOfMode)
+        EXPECT_EQ(recordsOfMode[pxwMode].count(reported), 1u)
+            << "PxwMode " << pxwMode << " reports " << reported[0] << " (1/100 Hz), " << reported[1]
+            << " x " << reported[2];
+}
+
+TEST(PwsimdModel, ModeRowsAreExactlyTheToolsModesWithOneOfTheirStrings) {
+    std::map<uint16_t, std::vector<const char *>> stringsOfMode;
+    for (const ModeString &mode : toolModes)
+        stringsOfMode[mode.PxwMode].push_back(mode.Text);
+    std::set<uint16_t> rowModes;
+    for (const SimModeRow &row : SimModeRows()) {
+        rowModes.insert(row.PxwMode);
+        const auto &strings = stringsOfMode[row.PxwMode];
+        bool among          = false;
+        for (const char *text : strings)
+            among = among || strcasecmp(text, row.ModeName) == 0;
+        EXPECT_TRUE(among) << "PxwMode " << row.PxwMode << ": '" << row.ModeName
+                           << "' is not a string the tool sends it for";
+    }
+    std::set<uint16_t> toolModeNumbers;
+    for (const auto &entry : stringsOfMode)
+        toolModeNumbers.insert(entry.first);
+    EXPECT_EQ(rowModes, toolModeNumbers);
+    EXPECT_EQ(toolModeNumbers.size(), 39u) << "distinct PxwModes of the tool's 45 rows";
+}
+
+struct KnownTiming {
+    uint16_t PxwMode;
+    const char *Meaning;
+    Words Reply; // Status, RefreshRate, totals, active size
+};
+
+TEST(PwsimdModel, BroadcastModesReportTheirStandardTimings) {
+    // clang-format off
+    const KnownTiming known[] = {
+        {5,  "ntsc, both fields",  {1, 2997, 858,  525,  720,  480}},
+        {7,  "pal, both fields",   {1, 2500, 864,  625,  720,  576}},
+        {0,  "720p at 60 Hz",      {1, 6000, 1650, 750,  1280, 720}},
+        {37, "1080p at 25 Hz",     {1, 2500, 2640, 1125, 1920, 1080}},
+    };
+    // clang-format on
+    for (const KnownTiming &k : known) {
+        SimDevice device = freshDevice(1);
+        ask(device, simOpSetMode, {k.PxwMode});
+        Words out = ask(device, simOpQueryOutput);
+        out.resize(k.Reply.size());
+        EXPECT_EQ(out, k.Reply) << k.Meaning;
+    }
+}
+
+TEST(PwsimdModel, AModeWithoutARowKeepsTheOutputAndAResetRestoresTheStart) {
+    SimDevice device  = freshDevice(2);
+    const Words start = ask(device, simOpQueryOutput);
+    EXPECT_EQ(start[wActiveW], 100) << "the --output timing before any set output mode";
+    ask(device, simOpSetMode, {0});
+    const Words mode0 = ask(device, simOpQueryOutput);
+    EXPECT_EQ(mode0[wActiveW], 1280);
+    for (uint16_t unknown : {2, 4, 29, 30, 32, 44, 47, 0xFFFF}) {
+        ask(device, simOpSetMode, {unknown});
+        EXPECT_EQ(ask(device, simOpQueryOutput), mode0) << "PxwMode " << unknown;
+    }
+    ask(device, simOpReset);
+    EXPECT_EQ(ask(device, simOpQueryOutput), start);
+}
+
+// One cable as the tool sets it on a device: the set cable, then the gain
+// request it sends there (none when the device has no gain row for it).
+struct CableCase {
+    int Chip;
+    uint16_t PxwCable;
+    uint8_t GainsOpcode; // 0: no gain request
+    uint16_t Status;
+    const char *Meaning;
+};
+
+TEST(PwsimdModel, InputStatusFollowsTheCableAndItsGains) {
+    // clang-format off
+    const CableCase cases[] = {
+        {0, 1,      simOpSetGains,    simStatusValid, "composite, device 0"},
+        {0, 2,      simOpSetGains,    simStatusValid, "svideo, device 0"},
+        {0, 6,      simOpSetGains,    simStatusValid, "component, device 0"},
+        {0, 0,      0,                simStatusDviA,  "dvi-a, device 0"},
+        {1, 0,      0,                simStatusDviA,  "dvi-a, device 1"},
+        {1, 3,      simOpSetGains,    simStatusValid, "composite of camera 3, device 1"},
+        {1, 4,      simOpSetGains,    simStatusValid, "svideo of camera 3, device 1"},
+        {2, 3,      0,                simStatusValid, "composite of camera 3, device 2"},
+        {2, 4,      0,                simStatusValid, "svideo of camera 3, device 2"},
+        {2, 5,      simOpSetGainsVga, simStatusDviA,  "dvi-a, device 2"},
+        {2, 5,      simOpSetGains,    simStatusDviD,  "dvi-d, device 2"},
+        {0, 7,      0,                simStatusNone,  "no such cable"},
+        {2, 0xFFFF, simOpSetGains,    simStatusNone,  "no such cable, with gains"},
+    };
+    // clang-format on
+    for (const CableCase &c : cases) {
+        SimDevice device   = freshDevice(c.Chip);
+        const Words before = ask(device, simOpQueryInput);
+        const Words output = ask(device, simOpQueryOutput);
+        EXPECT_EQ(before[wStatus], simStatusValid) << "before any set cable";
+        ask(device, simOpSetCable, {c.PxwCable});
+        if (c.GainsOpcode != 0)
+            ask(device, c.GainsOpcode, vgaGains);
+        Words in = ask(device, simOpQueryInput);
+        EXPECT_EQ(in[wStatus], c.Status) << c.Meaning;
+        in[wStatus] = before[wStatus];
+        EXPECT_EQ(in, before) << c.Meaning << ": only the status changes";
+        EXPECT_EQ(ask(device, simOpQueryOutput), output) << c.Meaning;
+    }
+}
+
+struct Step {
+    uint8_t Opcode;
+    Words Payload;
+    uint16_t Status; // of the input afterwards
+    const char *Meaning;
+};
+
+TEST(PwsimdModel, OnlyGainsAfterTheSetCableTellDviAFromDviD) {
+    // clang-format off
+    const Step steps[] = {
+        {simOpSetGainsVga, vgaGains, simStatusValid, "gains before any cable say nothing"},
+        {simOpSetCable,    {5},      simStatusDviD,  "DVI connector, no gains yet"},
+        {simOpSetGainsVga, vgaGains, simStatusDviA,  "analogue gains"},
+        {simOpQueryOutput, {},       simStatusDviA,  "a query changes nothing"},
+        {simOpSetGains,    vgaGains, simStatusDviD,  "the last gains count"},
+        {simOpSetGainsVga, vgaGains, simStatusDviA,  "analogue again"},
+        {simOpSetCable,    {5},      simStatusDviD,  "gains before the cable don't count"},
+        {simOpSetCable,    {2},      simStatusValid, "svideo"},
+        {simOpSetGainsVga, vgaGains, simStatusValid, "gains don't change a video cable"},
+        {simOpSetCable,    {0},      simStatusDviA,  "dvi-a"},
+        {simOpSetGains,    vgaGains, simStatusDviA,  "gains don't change the analogue input"},
+        {simOpReset,       {},       simStatusValid, "reset"},
+        {simOpSetGainsVga, vgaGains, simStatusValid, "the reset forgot the cable"},
+    };
+    // clang-format on
+    SimDevice device = freshDevice(2);
+    for (const Step &step : steps) {
+        ask(device, step.Opcode, step.Payload);
+        EXPECT_EQ(ask(device, simOpQueryInput)[wStatus], step.Status) << step.Meaning;
+    }
+}
+
+} // namespace
