@@ -162,30 +162,6 @@ TEST(PwsimdModel, ModeRowsAreExactlyTheToolsModesWithOneOfTheirStrings) {
     EXPECT_EQ(toolModeNumbers.size(), 39u) << "distinct PxwModes of the tool's 45 rows";
 }
 
-struct KnownTiming {
-    uint16_t PxwMode;
-    const char *Meaning;
-    Words Reply; // Status, RefreshRate, totals, active size
-};
-
-TEST(PwsimdModel, BroadcastModesReportTheirStandardTimings) {
-    // clang-format off
-    const KnownTiming known[] = {
-        {5,  "ntsc, both fields",  {1, 2997, 858,  525,  720,  480}},
-        {7,  "pal, both fields",   {1, 2500, 864,  625,  720,  576}},
-        {0,  "720p at 60 Hz",      {1, 6000, 1650, 750,  1280, 720}},
-        {37, "1080p at 25 Hz",     {1, 2500, 2640, 1125, 1920, 1080}},
-    };
-    // clang-format on
-    for (const KnownTiming &k : known) {
-        SimDevice device = freshDevice(1);
-        ask(device, simOpSetMode, {k.PxwMode});
-        Words out = ask(device, simOpQueryOutput);
-        out.resize(k.Reply.size());
-        EXPECT_EQ(out, k.Reply) << k.Meaning;
-    }
-}
-
 TEST(PwsimdModel, AModeWithoutARowKeepsTheOutputAndAResetRestoresTheStart) {
     SimDevice device  = freshDevice(2);
     const Words start = ask(device, simOpQueryOutput);
