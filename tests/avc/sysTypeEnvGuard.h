@@ -8,28 +8,21 @@
 
 class ScopedEnv {
   public:
-    // value nullptr unsets the variable for the scope.
+    // A null value unsets the variable.
     ScopedEnv(const char *name, const char *value) : name_(name) {
         if (const char *old = std::getenv(name)) {
             old_ = old;
         }
-        Apply(value);
+        Set(value);
     }
-    ~ScopedEnv() { Apply(old_ ? old_->c_str() : nullptr); }
+    ~ScopedEnv() { Set(old_ ? old_->c_str() : nullptr); }
     ScopedEnv(const ScopedEnv &)            = delete;
     ScopedEnv &operator=(const ScopedEnv &) = delete;
-
-    void Set(const char *value) { Apply(value); }
-
-  private:
-    void Apply(const char *value) {
-        if (value == nullptr) {
-            unsetenv(name_.c_str());
-        } else {
-            setenv(name_.c_str(), value, 1);
-        }
+    void Set(const char *value) {
+        value ? setenv(name_.c_str(), value, 1) : unsetenv(name_.c_str());
     }
 
+  private:
     std::string name_;
     std::optional<std::string> old_;
 };

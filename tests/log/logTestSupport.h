@@ -1,6 +1,5 @@
-// Helpers of the log tests: a recorder of the lines that reach the queue, a
-// settings store in memory, and a fixture that brings the process-wide log
-// state back to a known start.
+// Helpers of the log tests: a recorder of the lines that reach the queue, a settings store in
+// memory, and a fixture that brings the process-wide log state back to a known start.
 #ifndef TESTS_LOG_LOGTESTSUPPORT_H
 #define TESTS_LOG_LOGTESTSUPPORT_H
 
@@ -22,8 +21,8 @@ namespace logtest {
 
 using Lines = std::vector<std::string>;
 
-// Records every line that enters LogEnqueue, from any thread, in arrival
-// order; a length that disagrees with the text is recorded as "bad length".
+// Records every line that enters LogEnqueue, from any thread, in arrival order; a length that
+// disagrees with the text is recorded as "bad length".
 struct LineRecorder {
     LineRecorder() { LogEnqueueObserverSet(observe); }
     ~LineRecorder() { LogEnqueueObserverSet(nullptr); }
@@ -39,8 +38,8 @@ struct LineRecorder {
     static inline Lines lines;
 };
 
-// A settings store in memory, put in place for the object's lifetime. Flags
-// are kept as "True" or "False"; with `failReads` every read fails.
+// A settings store in memory, in place for the object's lifetime; flags are kept as "True" or
+// "False", and with `failReads` every read fails.
 struct MemoryStore {
     MemoryStore() { SettingsStoreSet(&store); }
     ~MemoryStore() {
@@ -72,9 +71,9 @@ struct MemoryStore {
     static constexpr SettingsStore store{read, write, flag};
 };
 
-// Brings the log state to a known start with public operations only: empty
-// filter tables, no held fragment, no pending repeat count (a distinct
-// finished line with suppression on reports and clears it), suppression off.
+// Brings the log state to a known start with public operations only: empty filter tables, no held
+// fragment, no pending repeat count (a distinct finished line with suppression on reports and
+// clears it), suppression off.
 class LogTest : public ::testing::Test {
   protected:
     static void reset() {
@@ -87,17 +86,14 @@ class LogTest : public ::testing::Test {
     }
     void SetUp() override {
         reset();
-        recorder_ = std::make_unique<LineRecorder>();
+        LogEnqueueObserverSet(LineRecorder::observe);
         LineRecorder::take();
     }
     void TearDown() override {
-        recorder_.reset();
+        LogEnqueueObserverSet(nullptr);
         reset();
     }
     static Lines lines() { return LineRecorder::take(); }
-
-  private:
-    std::unique_ptr<LineRecorder> recorder_;
 };
 
 } // namespace logtest

@@ -9,7 +9,10 @@
 int main(void) {
     char word[8];
     char text[LOG_FORMAT_WORDS_SIZE] = "old";
-    int ok = SettingsReadText("showfilter", 0, text) == SETTINGS_NOT_STORED && text[0] == '\0';
+    /* The system's store forgets what it is given. */
+    int ok = SettingsWriteText("showfilter", 0, "x") == 0 &&
+             SettingsReadText("showfilter", 0, text) == SETTINGS_NOT_STORED && text[0] == '\0' &&
+             SettingsReadText("showfilter", 3, NULL) == SETTINGS_NOT_STORED;
     LogFormatWords(LOG_FORMAT_DATE | LOG_FORMAT_PROC, text);
     ok = ok && strcmp(text, "date proc ") == 0;
     ok = ok && LogLevelWord(3, word) == 6 && strcmp(word, "ERROR ") == 0;

@@ -1,6 +1,5 @@
-// Filter tables and format settings: table operations and their messages for
-// both tables, the format word and its words, the flags, and the loads and
-// saves through the settings store.
+// Filter tables and format settings: table operations and their messages for both tables, the
+// format word and its words, the flags, and the loads and saves through the settings store.
 #include "logTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -28,14 +27,15 @@ void PrintTo(const TableOps &ops, std::ostream *out) {
     *out << ops.name;
 }
 
+// Runs `action` and returns what it printed.
+template <typename Action> std::string printed(Action action) {
+    CaptureStdout();
+    action();
+    return GetCapturedStdout();
+}
+
 class LogTableTest : public LogTest, public testing::WithParamInterface<TableOps> {
   protected:
-    // Runs `action` and returns what it printed.
-    template <typename Action> static std::string printed(Action action) {
-        CaptureStdout();
-        action();
-        return GetCapturedStdout();
-    }
     std::string listing(const std::string &entries) const {
         return std::string(GetParam().name) + " filters:\n" + entries;
     }
@@ -112,18 +112,9 @@ INSTANTIATE_TEST_SUITE_P(LogTables, LogTableTest,
                              return std::string(row.param.name);
                          });
 
-TEST_F(LogTest, RemoveIgnoresCaseButMatchingDoesNot) {
-    LogShowAdd("abc");
-    LogInfo("os", "ABC\n");
-    LogShowRemove("aBc");
-    LogInfo("os", "ABC\n");
-    EXPECT_EQ(lines(), logtest::Lines{"INFO  pc[0]: os: ABC\n"});
-}
-
 TEST_F(LogTest, FormatWordsListSaveAndLoad) {
-    const std::vector<std::pair<uint32_t, const char *>> words = {
-        {0, ""}, {15, "date time level proc "}, {5, "date level "}, {0xfffffff0u, ""}};
-    for (const auto &[word, text] : words) {
+    for (const auto &[word, text] : {std::pair{0u, ""}, {15u, "date time level proc "},
+                                     {5u, "date level "}, {0xfffffff0u, ""}}) {
         char buffer[LOG_FORMAT_WORDS_SIZE];
         std::memset(buffer, 'x', sizeof buffer);
         LogFormatWords(word, buffer);
@@ -133,67 +124,56 @@ TEST_F(LogTest, FormatWordsListSaveAndLoad) {
     LogSetFormat(9);
     LogFormatSave();
     EXPECT_EQ(MemoryStore::get("logformat", 0), "date proc ");
-    CaptureStdout();
-    LogFormatList();
-    EXPECT_EQ(GetCapturedStdout(), "date proc \n");
+    EXPECT_EQ(printed(LogFormatList), "date proc \n");
 
-    // Loading takes exact words between blanks and nothing else.
-    const std::vector<std::pair<const char *, uint32_t>> loads = {
-        {"date proc ", 9}, {"Level", 0},    {"level  time", 6},
-        {" proc x", 8},    {"datetime", 0}, {"", 0}};
+    // Loading takes exact words between blanks and nothing else; a failed read gives 0.
+    // clang-format off
+    /* Stored text, Format word */
+    const std::pair<const char *, uint32_t> loads[] = {
+        {"date proc ",   9},
+        {"Level",        0},
+        {"level  time",  6},
+        {" proc x",      8},
+        {"datetime",     0},
+        {"",             0},
+        {nullptr,        0},
+    };
+    // clang-format on
     for (const auto &[text, word] : loads) {
         LogSetFormat(0xff);
-        MemoryStore::write("logformat", 0, text);
+        MemoryStore::failReads = text == nullptr;
+        MemoryStore::write("logformat", 0, text ? text : "date");
         LogFormatLoad();
-        EXPECT_EQ(LogGetFormat(), word) << '"' << text << '"';
+        EXPECT_EQ(LogGetFormat(), word) << '"' << (text ? text : "(failed read)") << '"';
     }
-    MemoryStore::failReads = true;
-    LogFormatLoad();
-    EXPECT_EQ(LogGetFormat(), 0u);
 }
 
 TEST_F(LogTest, SpewFilterIsStoredAndLoadedForwardIsNot) {
     MemoryStore store;
     // clang-format off
-    /* Stored text, Flag before, Flag after */
-    const std::vector<std::tuple<const char *, int32_t, int32_t>> cases = {
-        {"True", 0, 1}, {"tRuE", 0, 1}, {"False", 1, 0}, {"", 1, 0}, {"True ", 1, 0},
+    /* Stored text (nullptr: the read fails), Flag before, Flag after */
+    const std::tuple<const char *, int32_t, int32_t> cases[] = {
+        {"True",   0,  1},
+        {"tRuE",   0,  1},
+        {"False",  1,  0},
+        {"",       1,  0},
+        {"True ",  1,  0},
+        {nullptr,  0,  0},
+        {nullptr,  1,  1},
     };
     // clang-format on
     for (const auto &[text, before, after] : cases) {
         LogSetSpewFilter(before);
         EXPECT_EQ(MemoryStore::get("spewfilter", 0), before != 0 ? "True" : "False");
-        MemoryStore::write("spewfilter", 0, text);
+        MemoryStore::failReads = text == nullptr;
+        MemoryStore::write("spewfilter", 0, text ? text : "True");
         LogSpewFilterLoad();
-        EXPECT_EQ(LogGetSpewFilter(), after) << '"' << text << '"';
-    }
-    MemoryStore::failReads = true;
-    for (int32_t flag : {0, 1}) {
-        LogSetSpewFilter(flag);
-        LogSpewFilterLoad();
-        EXPECT_EQ(LogGetSpewFilter(), flag);
+        EXPECT_EQ(LogGetSpewFilter(), after) << '"' << (text ? text : "(failed read)") << '"';
     }
     LogSetForward(1);
     EXPECT_EQ(LogGetForward(), 1);
     EXPECT_EQ(MemoryStore::texts.size(), 1u); // only "spewfilter"
     LogSetForward(0);
-}
-
-TEST(LogSettingsStore, KeepsNothing) {
-    char buffer[16] = "leftover";
-    EXPECT_EQ(SettingsWriteText("logformat", 0, "date time "), 0);
-    EXPECT_EQ(SettingsWriteFlag("spewfilter", 0, 1), 0);
-    EXPECT_EQ(SettingsReadText("logformat", 0, buffer), SETTINGS_NOT_STORED);
-    EXPECT_STREQ(buffer, "");
-    EXPECT_EQ(SettingsReadText("showfilter", 3, nullptr), SETTINGS_NOT_STORED);
-    // So the loads find nothing: the format word clears, the flag stays.
-    LogSetFormat(15);
-    LogSetSpewFilter(1);
-    LogFormatLoad();
-    LogSpewFilterLoad();
-    EXPECT_EQ(LogShowLoad() + LogCullLoad(), 0);
-    EXPECT_EQ(LogGetFormat(), 0u);
-    EXPECT_EQ(LogGetSpewFilter(), 1);
 }
 
 } // namespace

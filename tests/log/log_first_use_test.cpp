@@ -1,8 +1,7 @@
-// The first-use load, in a process of its own: an empty line doesn't load;
-// the first line does, once, even when a line is logged during the load.
-// Stored filters go behind those added at run time and are listed; with no
-// stored "logformat" (as with the system's store) the format word goes from 8
-// to 0; repeat suppression is not loaded.
+// The first-use load, in a process of its own: an empty line doesn't load; the first line does,
+// once, even when a line is logged during the load. Stored filters go behind those added at run
+// time and are listed; with no stored "logformat" the format word goes from 8 to 0; repeat
+// suppression is not loaded.
 #include "logTestSupport.h"
 
 #include <gtest/gtest.h>
