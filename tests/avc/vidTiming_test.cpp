@@ -128,8 +128,8 @@ TEST(VidTimingByName, ModeAndSystemNameSpacesSplit) {
     // clang-format on
     for (const auto &[name, modeId, systemId] : cases) {
         SCOPED_TRACE(name ? name : "(null)");
-        for (const auto &[lookup, id] : {std::pair{&VidTimingByName, modeId},
-                                         std::pair{&VidTimingBySystemName, systemId}}) {
+        for (const auto &[lookup, id] :
+             {std::pair{&VidTimingByName, modeId}, std::pair{&VidTimingBySystemName, systemId}}) {
             VidTiming t = Garbage();
             EXPECT_EQ(lookup(name, &t), id != 0 ? 0 : -1);
             EXPECT_TRUE(Same(t, id != 0 ? Main(id) : Garbage()));
@@ -249,7 +249,8 @@ TEST(VidTimingForRate, GrowsTheFrontPorch) {
     }
 }
 
-// 0 or the own rate changes nothing (an alias rate is ignored); a line above 4095 pixels is refused.
+// 0 or the own rate changes nothing (an alias rate is ignored); a line above 4095 pixels is
+// refused.
 TEST(VidTimingForRate, StoredRowOrLineLimitOf4095) {
     VidTiming t{};
     for (int32_t id : {59, 4, 72, 1}) {
@@ -304,7 +305,7 @@ TEST(VidTimingChangeRate, BlankingOfSixteen) {
     EXPECT_TRUE(Same(u, t));
 }
 
-TEST(VidTimingForClock, LineFollowsTheClock) {
+TEST(VidTimingForClock, LineFollowsTheClockWithAMarginOfThree) {
     VidTiming t{};
     EXPECT_EQ(VidTimingForClock(4, 74250, &t), 0);
     EXPECT_EQ(std::tie(t.HTotal, t.HBlank, t.HFrontPorch, t.LineRateHz, t.FrameRateMilliHz,
@@ -316,10 +317,7 @@ TEST(VidTimingForClock, LineFollowsTheClock) {
     EXPECT_EQ(VidTimingForClock(14, 55000, &t), 0);
     EXPECT_EQ(std::tie(t.HTotal, t.HBlank, t.HSyncWidth, t.HBackPorch, t.HFrontPorch),
               std::make_tuple(1137u, 113u, 1u, 1u, 111u));
-}
-
-TEST(VidTimingForClock, MarginOfThreePixels) {
-    VidTiming t{};
+    // At least 3 pixels of blanking; a failure leaves the table's row, or nothing without one.
     EXPECT_EQ(VidTimingForClock(23, 50000, &t), -1); // N = 781
     EXPECT_TRUE(Same(t, Main(23)));
     EXPECT_EQ(VidTimingForClock(14, 49669, &t), 0); // N = 1027 = 1024 + 3

@@ -24,8 +24,6 @@ using Lines = std::vector<std::string>;
 // Records every line that enters LogEnqueue, from any thread, in arrival order; a length that
 // disagrees with the text is recorded as "bad length".
 struct LineRecorder {
-    LineRecorder() { LogEnqueueObserverSet(observe); }
-    ~LineRecorder() { LogEnqueueObserverSet(nullptr); }
     static Lines take() {
         std::lock_guard<std::mutex> hold(mutex);
         return std::exchange(lines, {});

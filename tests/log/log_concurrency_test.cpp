@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <latch>
 #include <map>
+#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -22,33 +23,11 @@ constexpr int linesPerThread  = 1500;
 constexpr int repeatedLines   = 1500;
 constexpr int fragmentsPerEnd = 4; // every fourth fragment carries the newline
 
-// Level words and the column behind them, as a line may start.
-bool startsWellFormed(const std::string &line) {
-    static const char *const words[] = {"CRIT  ", "ERROR ", "WARN  ", "INFO  ", "DEBUG "};
-    for (const char *word : words) {
-        if (line.rfind(std::string(word) + "pc[0]: ", 0) == 0)
-            return true;
-    }
-    return false;
-}
-
-// Texts between '<' and '>' in the order they appear; an unmatched bracket
-// is a torn text and is returned as "torn".
-std::vector<std::string> tokensOf(const std::string &line) {
-    std::vector<std::string> tokens;
-    size_t at = 0;
-    while ((at = line.find('<', at)) != std::string::npos) {
-        const size_t end  = line.find('>', at);
-        const size_t next = line.find('<', at + 1);
-        if (end == std::string::npos || (next != std::string::npos && next < end)) {
-            tokens.emplace_back("torn");
-            return tokens;
-        }
-        tokens.push_back(line.substr(at + 1, end - at - 1));
-        at = end + 1;
-    }
-    return tokens;
-}
+// A level word, the column, a source, then whole texts between '<' and '>': a torn text or a
+// stray character fails the match.
+const std::regex wellFormed(
+    R"((CRIT  |ERROR |WARN  |INFO  |DEBUG )pc\[0\]: ((os|log): )?(<[^<>]*>( whole line)?)+\n)");
+const std::regex bracketed("<([^<>]*)>");
 
 TEST_F(LogTest, ConcurrentLinesAndFragmentsStayWhole) {
     LogSetSpewFilter(1);
@@ -86,7 +65,6 @@ TEST_F(LogTest, ConcurrentLinesAndFragmentsStayWhole) {
     int sameReported = 0;
     for (const std::string &line : lines()) {
         ASSERT_LE(line.size(), 511u) << line;
-        ASSERT_TRUE(startsWellFormed(line)) << line;
         ASSERT_EQ(line.back(), '\n') << line;
         int reported = 0;
         if (std::sscanf(line.c_str(), "DEBUG pc[0]: ...last line repeated %d times\n", &reported) ==
@@ -94,19 +72,20 @@ TEST_F(LogTest, ConcurrentLinesAndFragmentsStayWhole) {
             sameReported += reported - 1;
             continue;
         }
-        for (const std::string &token : tokensOf(line)) {
-            ASSERT_NE(token, "torn") << line;
+        ASSERT_TRUE(std::regex_match(line, wellFormed)) << line;
+        for (std::sregex_iterator it(line.begin(), line.end(), bracketed), end; it != end; ++it) {
+            const std::string text = (*it)[1];
             int t = 0, i = 0;
-            if (token == "same") {
+            if (text == "same") {
                 ++sameShown;
-            } else if (std::sscanf(token.c_str(), "w%d-%d", &t, &i) == 2) {
+            } else if (std::sscanf(text.c_str(), "w%d-%d", &t, &i) == 2) {
                 // One thread's whole lines reach the queue in their order.
-                auto it = lastWhole.find(t);
-                EXPECT_TRUE(it == lastWhole.end() || it->second < i) << line;
+                auto last = lastWhole.find(t);
+                EXPECT_TRUE(last == lastWhole.end() || last->second < i) << line;
                 lastWhole[t] = i;
-                ++seen[token];
+                ++seen[text];
             } else {
-                ++seen[token];
+                ++seen[text];
             }
         }
     }

@@ -23,10 +23,6 @@ struct TableOps {
     const char *key;
 };
 
-void PrintTo(const TableOps &ops, std::ostream *out) {
-    *out << ops.name;
-}
-
 // Runs `action` and returns what it printed.
 template <typename Action> std::string printed(Action action) {
     CaptureStdout();
@@ -113,8 +109,10 @@ INSTANTIATE_TEST_SUITE_P(LogTables, LogTableTest,
                          });
 
 TEST_F(LogTest, FormatWordsListSaveAndLoad) {
-    for (const auto &[word, text] : {std::pair{0u, ""}, {15u, "date time level proc "},
-                                     {5u, "date level "}, {0xfffffff0u, ""}}) {
+    for (const auto &[word, text] : {std::pair{0u, ""},
+                                     {15u, "date time level proc "},
+                                     {5u, "date level "},
+                                     {0xfffffff0u, ""}}) {
         char buffer[LOG_FORMAT_WORDS_SIZE];
         std::memset(buffer, 'x', sizeof buffer);
         LogFormatWords(word, buffer);

@@ -21,7 +21,7 @@ int32_t readAndLog(const char *key, int32_t index, char *buffer) {
 }
 
 TEST(LogFirstUse, LoadsOnceAtTheFirstLine) {
-    LineRecorder recorder;
+    LogEnqueueObserverSet(LineRecorder::observe);
     MemoryStore store;
     const SettingsStore loggingStore{readAndLog, MemoryStore::write, MemoryStore::flag};
     SettingsStoreSet(&loggingStore);

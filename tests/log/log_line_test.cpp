@@ -141,8 +141,8 @@ TEST_F(LogTest, FragmentOfAnotherThreadIsJoined) {
 
 // Alone, a level below 0 gives the most severe word (LogVPrintf takes it as 7).
 TEST_F(LogTest, LevelWordsClamp) {
-    for (const auto &[level, word] : {std::pair{INT32_MIN, "CRIT  "}, {-1, "CRIT  "},
-                                      {8, "DEBUG "}, {INT32_MAX, "DEBUG "}}) {
+    for (const auto &[level, word] :
+         {std::pair{INT32_MIN, "CRIT  "}, {-1, "CRIT  "}, {8, "DEBUG "}, {INT32_MAX, "DEBUG "}}) {
         char buffer[8] = "xxxxxxx";
         EXPECT_EQ(LogLevelWord(level, buffer), 6);
         EXPECT_STREQ(buffer, word) << level;
