@@ -1,0 +1,395 @@
+// scalerctl end to end: the real program against the real simulator over
+// real pipes. Each case checks standard output exactly, the exit status, and
+// the requests the simulator received, in order, from its trace.
+#include "tests/pwsimd/simProcess.h"
+#include "toolRun.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+// The requests of a trace, each as "op=0xOO words=WWWW,...".
+Words requestsOf(const std::string &trace) {
+    Words requests;
+    std::istringstream lines(trace);
+    std::string line;
+    while (std::getline(lines, line)) {
+        if (line.rfind("pwsimd: req ", 0) != 0)
+            continue;
+        std::size_t op    = line.find("op=");
+        std::size_t words = line.find("words=");
+        requests.push_back(line.substr(op, 7) + " " + line.substr(words));
+    }
+    return requests;
+}
+
+struct Outcome {
+    ToolRun Run;
+    Words Requests;
+};
+
+// Runs scalerctl with `toolArgs` against a simulator of its own, started
+// with `simArgs`, and stops the simulator afterwards.
+Outcome runWithSim(const Words &toolArgs, const Words &simArgs = {}) {
+    Outcome outcome;
+    SimProcess sim;
+    Words args = simArgs;
+    args.push_back("--trace");
+    EXPECT_TRUE(SimStart(sim, args, "", true));
+    Words withPath = {"--pipepath", sim.Dir};
+    withPath.insert(withPath.end(), toolArgs.begin(), toolArgs.end());
+    outcome.Run = RunScalerctl(withPath);
+    EXPECT_TRUE(SimStop(sim));
+    outcome.Requests = requestsOf(sim.ErrPending);
+    return outcome;
+}
+
+const std::string sixNone = "ffff,ffff,ffff,ffff,ffff,ffff";
+
+// The output report of the simulator's default output, 1280 x 720 at 60 Hz.
+const std::string report720p60 = "\nVideo output:\n"
+                                 "  Status             = valid\n"
+                                 "  Input source       = 0x0\n"
+                                 "  Timing params:\n"
+                                 "    Mode             = 1280 x 720 at 60.0 Hz\n"
+                                 "    Total frame size = 1650 x 750\n";
+
+// ---- the command line ----------------------------------------------------------
+
+// A refused command line never reaches a pipe: these run with a folder that
+// does not exist, so a run that got past the parser would say "open command
+// failed" instead.
+struct ParserRow {
+    Words Args;
+    std::string Out;
+};
+
+TEST(ScalerctlParser, RefusalsAndTheirOrder) {
+    // clang-format off
+    const ParserRow rows[] = {
+        {{"-d", "9", "-h"},                       "scalerctl: --device must be in the range 0 - 2\n"},
+        {{"-d", "-1", "-r"},                      "scalerctl: --device must be in the range 0 - 2\n"},
+        {{"-d", "4294967296", "-r"},              "scalerctl: --device must be in the range 0 - 2\n"},
+        {{"-d", "0", "-i", "5", "-r"},            "scalerctl: --camera must be in the range 1 - 4\n"},
+        {{"-d", "0", "-i", "abc", "-r"},          "scalerctl: --camera must be in the range 1 - 4\n"},
+        {{"-d", "0", "-i", "0x5", "-r"},          "scalerctl: --camera must be in the range 1 - 4\n"},
+        {{"-x", "nosuch", "-d", "9"},             "scalerctl: unrecognized system type nosuch\n"},
+        {{"-d", "0", "-c", "hdmi"},               "scalerctl: cable type 'hdmi' not recognized\n"},
+        {{"-c", "hdmi", "-d", "9"},               "scalerctl: cable type 'hdmi' not recognized\n"},
+        {{"-d", "0", "-m", "720p61"},             "scalerctl: mode '720p61' not recognized\n"},
+        {{"-d", "0", "-m", "1680x1050at75"},      "scalerctl: mode '1680x1050at75' not recognized\n"},
+        {{"-d", "0", "-m", "auto-ntsc-pal"},      "scalerctl: mode 'auto-ntsc-pal' not recognized\n"},
+        {{"-d", "0", "-m", "1080p60"},            "scalerctl: PixelWorks doesn't support mode '1080p60'\n"},
+        {{"-d", "0", "-m", "1080i50"},            "scalerctl: PixelWorks doesn't support mode '1080i50'\n"},
+        {{"-d", "0", "-m", "half-sd-60"},         "scalerctl: PixelWorks doesn't support mode 'half-sd-60'\n"},
+        {{"-d", "0", "-r", "stray", "-q"},        "scalerctl: unrecognized arguments starting at 'stray'\n"},
+        {{"stray", "-d", "0", "-c", "hdmi"},      "scalerctl: cable type 'hdmi' not recognized\n"},
+        {{"-V"},                                  "scalerctl: found no actions to take (try --help)\n"},
+        {{"-d", "0", "-i", "1", "-F", "yes"},     "scalerctl: found no actions to take (try --help)\n"},
+        {{"-r"},                                  "scalerctl: missing required options (try --help)\n"},
+        {{"-m", "720p60", "-i", "2"},             "scalerctl: missing required options (try --help)\n"},
+        {{"-d", "0", "-c", "svideo"},             "scalerctl: option --cable requires option --camera\n"},
+        {{"-d", "0", "-c", "svideo", "-r", "-q"}, "scalerctl: option --cable requires option --camera\n"},
+        {{"-d", "1", "-i", "1", "-c", "svideo", "-x", "elm"},
+                                                  "scalerctl: unsupported PixelWorks device number\n"},
+        {{"-x", "hazel", "-d", "0", "-i", "1", "-c", "svideo"},
+                                                  "scalerctl: unsupported PixelWorks device number\n"},
+        {{"-d", "0", "-i", "3", "-c", "svideo"},  "scalerctl: unsupported combination of camera, cable, and PixelWorks\n"},
+        {{"-d", "0", "-i", "2", "-c", "dvi-a"},   "scalerctl: unsupported combination of camera, cable, and PixelWorks\n"},
+        {{"-d", "2", "-i", "3", "-c", "component"},
+                                                  "scalerctl: unsupported combination of camera, cable, and PixelWorks\n"},
+        {{"-d", "0", "--bogus"},                  "Use option --help for usage\n"},
+        {{"-d"},                                  "Use option --help for usage\n"},
+        {{"--version", "-d", "9"},                "scalerctl version 0.1\n"},
+        {{"-d", "0", "-r", "-v"},                 "scalerctl version 0.1\n"},
+    };
+    // clang-format on
+    for (const ParserRow &row : rows) {
+        Words args = {"-p", "/nonexistent/pipes"};
+        args.insert(args.end(), row.Args.begin(), row.Args.end());
+        ToolRun run = RunScalerctl(args);
+        std::string shown;
+        for (const std::string &a : row.Args)
+            shown += a + " ";
+        EXPECT_EQ(run.Out, row.Out) << shown;
+        EXPECT_EQ(run.ExitStatus, 1) << shown;
+    }
+}
+
+TEST(ScalerctlParser, HelpPrintsTheUsageAndEndsWithStatusOne) {
+    for (const Words &args : {Words{"--help"}, Words{"-d", "0", "-r", "-h"}}) {
+        ToolRun run = RunScalerctl(args);
+        EXPECT_EQ(run.ExitStatus, 1);
+        EXPECT_EQ(run.Out.rfind("usage: scalerctl <option> ... <action> ...\n\n", 0), 0u);
+        EXPECT_NE(run.Out.find("Configure the PixelWorks video input processor on Rowan.  Each "
+                               "invocation of\nthis program can touch just one PixelWorks "
+                               "device.  All specified actions are\n"),
+                  std::string::npos);
+        EXPECT_NE(run.Out.find("      480p    half-sd-30    720p60    720p30    720p59\n"
+                               "      576p    half-sd-25    720p50    720p25\n"),
+                  std::string::npos);
+        std::size_t end = run.Out.size() - std::string("  -g, --pxwver\n    Query the PixelWorks "
+                                                       "firmware version.\n")
+                                               .size();
+        EXPECT_EQ(run.Out.substr(end),
+                  "  -g, --pxwver\n    Query the PixelWorks firmware version.\n");
+        EXPECT_EQ(std::count(run.Out.begin(), run.Out.end(), '\n'), 51);
+    }
+}
+
+TEST(ScalerctlParser, LinkFailuresAfterTheParser) {
+    // Past the parser: the folder is given to the link as it stands.
+    std::string fifty(50, 'p');
+    ToolRun tooLong = RunScalerctl({"-p", "/" + fifty.substr(1), "-d", "0", "-r"});
+    EXPECT_EQ(tooLong.Out, "scalerctl: init command returned -3\n");
+    EXPECT_EQ(tooLong.ExitStatus, 1);
+    // "abc" reads as device 0 and passes.
+    ToolRun noDaemon = RunScalerctl({"-p", "/nonexistent", "-d", "abc", "-r"});
+    EXPECT_EQ(noDaemon.Out, "scalerctl: open command failed\n");
+    EXPECT_EQ(noDaemon.ExitStatus, 1);
+    // The link's causes go to the system log, never to the terminal.
+    EXPECT_EQ(noDaemon.Err, "");
+}
+
+// ---- reset ---------------------------------------------------------------------
+
+TEST(ScalerctlReset, ResetAloneAndBeforeEverythingElse) {
+    Outcome plain = runWithSim({"-d", "1", "--reset"});
+    EXPECT_EQ(plain.Run.Out, "scalerctl: reset command returned 0\n");
+    EXPECT_EQ(plain.Run.ExitStatus, 0);
+    EXPECT_EQ(plain.Requests, Words{"op=0x01 words=-"});
+
+    // Everything else is checked by the parser and then ignored.
+    Outcome all =
+        runWithSim({"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-g", "-q", "-Q", "-r"});
+    EXPECT_EQ(all.Run.Out, "scalerctl: reset command returned 0\n");
+    EXPECT_EQ(all.Run.ExitStatus, 0);
+    EXPECT_EQ(all.Requests, Words{"op=0x01 words=-"});
+}
+
+TEST(ScalerctlReset, AFailedResetStillEndsWithStatusZero) {
+    Outcome silent = runWithSim({"-d", "0", "-r"}, {"--fault", "never"});
+    EXPECT_EQ(silent.Run.Out, "scalerctl: reset command returned -35\n");
+    EXPECT_EQ(silent.Run.ExitStatus, 0);
+    EXPECT_EQ(silent.Run.Err, "");
+}
+
+// ---- cables and their gains ----------------------------------------------------------
+
+struct CableRow {
+    const char *Type;
+    const char *Device;
+    const char *Camera;
+    const char *Cable;
+    std::string SetCable; // payload of the set cable request
+    std::string Gains;    // the gain request, "" for none
+};
+
+TEST(ScalerctlCable, CableAndGainsByTypeDeviceAndCamera) {
+    // clang-format off
+    const CableRow rows[] = {
+        {"rowan",     "0", "1", "svideo",          "0002", "op=0x2c words=" + sixNone},
+        {"rowan",     "0", "2", "S_VIDEO",         "0002", "op=0x2c words=" + sixNone},
+        {"rowan",     "0", "1", "composite",       "0001", "op=0x2c words=" + sixNone},
+        {"rowan",     "0", "2", "component",       "0006", "op=0x2c words=0043,003f,0040,ffff,ffff,ffff"},
+        {"rowan",     "1", "2", "Component_YPbPr", "0006", "op=0x2c words=0043,0040,0042,ffff,ffff,ffff"},
+        {"rowan",     "0", "1", "dvi-a",           "0000", ""},
+        {"rowan",     "1", "2", "vga",             "0000", ""},
+        {"rowan",     "1", "3", "composite",       "0003", "op=0x2c words=" + sixNone},
+        {"rowan",     "1", "3", "svideo",          "0004", "op=0x2c words=" + sixNone},
+        {"rowan",     "2", "3", "composite",       "0003", ""},
+        {"rowan",     "2", "3", "svideo",          "0004", ""},
+        {"rowan",     "2", "4", "dvi-a",           "0005", "op=0x2d words=0052,0054,0052,007f,007b,007a"},
+        {"rowan",     "2", "4", "dvi-d",           "0005", "op=0x2c words=0052,0054,0052,007f,007b,007a"},
+        {"rowan",     "2", "4", "DVI",             "0005", "op=0x2c words=0052,0054,0052,007f,007b,007a"},
+        {"elm",       "0", "1", "svideo",          "0002", "op=0x2c words=" + sixNone},
+        {"elm",       "2", "4", "vga",             "0005", "op=0x2d words=0052,0054,0052,007f,007b,007a"},
+        {"rowan_int", "0", "3", "composite",       "0001", "op=0x2c words=" + sixNone},
+        {"rowan_int", "1", "3", "component",       "0006", "op=0x2c words=0043,0040,0042,ffff,ffff,ffff"},
+        {"rowan_int", "2", "4", "dvi-d",           "0005", "op=0x2c words=0052,0054,0052,007f,007b,007a"},
+    };
+    // clang-format on
+    for (const CableRow &row : rows) {
+        std::string shown = std::string(row.Type) + " device " + row.Device + " camera " +
+                            row.Camera + " " + row.Cable;
+        Outcome o =
+            runWithSim({"-x", row.Type, "-d", row.Device, "-i", row.Camera, "-c", row.Cable});
+        Words expected = {"op=0x04 words=" + row.SetCable};
+        if (!row.Gains.empty())
+            expected.push_back(row.Gains);
+        expected.push_back("op=0x25 words=0000");
+        expected.push_back("op=0x03 words=-");
+        EXPECT_EQ(o.Requests, expected) << shown;
+        EXPECT_EQ(o.Run.Out, "") << shown;
+        EXPECT_EQ(o.Run.ExitStatus, 0) << shown;
+    }
+}
+
+TEST(ScalerctlCable, CameraWithoutCableIsAcceptedAndDoesNothing) {
+    Outcome o = runWithSim({"-d", "0", "-i", "3", "-g"}, {"--firmware", "0x1234"});
+    EXPECT_EQ(o.Run.Out, "Firmware version 4660\n");
+    EXPECT_EQ(o.Run.ExitStatus, 0);
+    EXPECT_EQ(o.Requests, Words{"op=0x23 words=-"});
+}
+
+// ---- output modes --------------------------------------------------------------------
+
+struct ModeRow {
+    Words Args;
+    std::string SetMode; // payload of the set output mode request
+};
+
+TEST(ScalerctlMode, ModeStringsAliasesAndTheFullFpsFallback) {
+    // clang-format off
+    const ModeRow rows[] = {
+        {{"-m", "720p60"},                    "0000"},
+        {{"-m", "12x7at60-no-csc"},           "0000"},
+        {{"-m", "480p"},                      "0001"},
+        {{"-m", "480p30"},                    "0005"},
+        {{"-m", "576p"},                      "0006"},
+        {{"-m", "576p25"},                    "0007"},
+        {{"-m", "720p30"},                    "0015"},
+        {{"-F", "yes", "-m", "720p30"},       "0015"},
+        {{"-m", "720p30", "-F", "no"},        "0015"},
+        {{"-F", "1", "-m", "720p60"},         "0000"},
+        {{"-F", "", "-m", "720p50"},          "0016"},
+        {{"-m", "NTSC"},                      "0005"},
+        {{"-m", "1280x720at60"},              "0022"},
+        {{"-m", "1680x1050AT60"},             "001f"},
+    };
+    // clang-format on
+    for (const ModeRow &row : rows) {
+        Words args = {"-d", "0"};
+        args.insert(args.end(), row.Args.begin(), row.Args.end());
+        Outcome o = runWithSim(args);
+        EXPECT_EQ(o.Requests,
+                  (Words{"op=0x05 words=" + row.SetMode, "op=0x25 words=0000", "op=0x03 words=-"}))
+            << row.Args.back();
+        EXPECT_EQ(o.Run.ExitStatus, 0) << row.Args.back() << ": " << o.Run.Out;
+    }
+}
+
+TEST(ScalerctlMode, TheTypicalRun) {
+    Outcome o = runWithSim({"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-Q"});
+    EXPECT_EQ(o.Run.Out, report720p60);
+    EXPECT_EQ(o.Run.ExitStatus, 0);
+    EXPECT_EQ(o.Run.Err, "");
+    EXPECT_EQ(o.Requests, (Words{"op=0x04 words=0002", "op=0x2c words=" + sixNone,
+                                 "op=0x05 words=0000", "op=0x25 words=0000", "op=0x03 words=-"}));
+}
+
+// ---- queries -------------------------------------------------------------------------
+
+TEST(ScalerctlQuery, FirmwareInputAndStatusInTheirOrder) {
+    Outcome o =
+        runWithSim({"-d", "2", "-q", "-g"}, {"--firmware", "513", "--input", "720x480@59.94"});
+    EXPECT_EQ(o.Run.Out, "Firmware version 513\n"
+                         "\nVideo input:\n"
+                         "  Status             = valid\n"
+                         "  Input source       = 0x0\n"
+                         "  Timing params:\n"
+                         "    Mode             = 720 x 480 at 59.94 Hz\n"
+                         "    Total frame size = 858 x 525\n");
+    EXPECT_EQ(o.Run.ExitStatus, 0);
+    EXPECT_EQ(o.Requests, (Words{"op=0x23 words=-", "op=0x02 words=-"}));
+
+    Outcome status = runWithSim({"-d", "0", "-C"});
+    EXPECT_EQ(status.Run.Out, "valid\n");
+    EXPECT_EQ(status.Requests, Words{"op=0x02 words=-"});
+}
+
+TEST(ScalerctlQuery, QueryOutAloneQueriesAndReports) {
+    Outcome o = runWithSim({"-d", "0", "-Q"});
+    EXPECT_EQ(o.Run.Out, report720p60);
+    EXPECT_EQ(o.Run.ExitStatus, 0);
+    EXPECT_EQ(o.Requests, Words{"op=0x03 words=-"});
+}
+
+TEST(ScalerctlQuery, VerboseReportsAfterAChangeAndSilenceOtherwise) {
+    Outcome verbose = runWithSim({"-d", "0", "-V", "-m", "720p60"});
+    EXPECT_EQ(verbose.Run.Out, report720p60);
+    Outcome quiet = runWithSim({"-d", "0", "-m", "720p60"});
+    EXPECT_EQ(quiet.Run.Out, "");
+    EXPECT_EQ(quiet.Run.ExitStatus, 0);
+}
+
+TEST(ScalerctlQuery, OutputIsPolledUntilItReports) {
+    Outcome o = runWithSim({"-d", "0", "-m", "720p60", "-Q"}, {"--fault", "status0=3"});
+    EXPECT_EQ(o.Run.Out, report720p60);
+    EXPECT_EQ(o.Run.ExitStatus, 0);
+    EXPECT_EQ(o.Requests, (Words{"op=0x05 words=0000", "op=0x25 words=0000", "op=0x03 words=-",
+                                 "op=0x03 words=-", "op=0x03 words=-", "op=0x03 words=-"}));
+}
+
+TEST(ScalerctlQuery, PollTimeoutAfterACableChangeStillSucceeds) {
+    Outcome o = runWithSim({"-d", "0", "-i", "1", "-c", "svideo"}, {"--fault", "status0=100"});
+    EXPECT_EQ(o.Run.Out, "scalerctl: timeout (check camera source)\n");
+    EXPECT_EQ(o.Run.ExitStatus, 0);
+    Words expected = {"op=0x04 words=0002", "op=0x2c words=" + sixNone, "op=0x25 words=0000"};
+    expected.insert(expected.end(), 25, "op=0x03 words=-");
+    EXPECT_EQ(o.Requests, expected);
+}
+
+TEST(ScalerctlQuery, PollTimeoutWithAModeGoesOnToTheComparison) {
+    // The last reply still has the requested size: timeout line, no mismatch.
+    Outcome o = runWithSim({"-d", "0", "-m", "720p60", "-Q"}, {"--fault", "status0=100"});
+    EXPECT_EQ(o.Run.Out, "scalerctl: timeout (check camera source)\n" +
+                             std::string("\nVideo output:\n"
+                                         "  Status             = none\n"
+                                         "  Input source       = 0x0\n"
+                                         "  Timing params:\n"
+                                         "    Mode             = 1280 x 720 at 60.0 Hz\n"
+                                         "    Total frame size = 1650 x 750\n"));
+    EXPECT_EQ(o.Run.ExitStatus, 0);
+}
+
+// ---- failures of the daemon as the tool sees them --------------------------------------
+
+struct FaultRow {
+    Words SimArgs;
+    Words ToolArgs;
+    std::string Out;
+    int Exit;
+};
+
+TEST(ScalerctlFaults, EachFaultOfTheSimulator) {
+    const Words cable = {"-d", "0", "-i", "1", "-c", "svideo"};
+    // clang-format off
+    const FaultRow rows[] = {
+        {{"--fault", "never"},     cable,             "scalerctl: set cable command returned -35\n",         1},
+        {{"--fault", "crc"},       {"-d", "0", "-g"}, "scalerctl: query version command returned -35\n",     1},
+        {{"--fault", "garbage"},   {"-d", "0", "-q"}, "scalerctl: query input mode command returned -35\n",  1},
+        {{"--fault", "other-if"},  {"-d", "0", "-Q"}, "scalerctl: query output mode command returned -35\n", 1},
+        {{"--fault", "late=1500"}, {"-d", "0", "-m", "576p"},
+                                                      "scalerctl: set output mode command returned -35\n",   1},
+        {{"--fault", "late=100"},  {"-d", "0", "-g"}, "Firmware version 258\n",                              0},
+        {{"--fault", "split"},     {"-d", "0", "-C"}, "valid\n",                                             0},
+        {{"--fault", "never@1"},   {"-d", "0", "-C"}, "valid\n",                                             0},
+        {{"--fault", "never@0"},   {"-d", "1", "-C"}, "valid\n",                                             0},
+    };
+    // clang-format on
+    for (const FaultRow &row : rows) {
+        Outcome o = runWithSim(row.ToolArgs, row.SimArgs);
+        EXPECT_EQ(o.Run.Out, row.Out) << row.SimArgs.back();
+        EXPECT_EQ(o.Run.ExitStatus, row.Exit) << row.SimArgs.back();
+        EXPECT_EQ(o.Run.Err, "") << row.SimArgs.back();
+        EXPECT_FALSE(o.Requests.empty()) << row.SimArgs.back();
+    }
+}
+
+TEST(ScalerctlFaults, AFailedRequestEndsTheRun) {
+    // Set cable times out: nothing behind it is sent.
+    Outcome o = runWithSim({"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-g", "-Q"},
+                           {"--fault", "never"});
+    EXPECT_EQ(o.Run.Out, "scalerctl: set cable command returned -35\n");
+    EXPECT_EQ(o.Run.ExitStatus, 1);
+    EXPECT_EQ(o.Requests, Words{"op=0x04 words=0002"});
+}
+
+} // namespace
