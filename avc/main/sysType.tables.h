@@ -3,6 +3,7 @@
 #ifndef AVC_MAIN_SYSTYPE_TABLES_H
 #define AVC_MAIN_SYSTYPE_TABLES_H
 
+#include "avc/main/textNoCase.h"
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -61,25 +62,12 @@ inline constexpr std::array<HwFamilyWord, 3> hwFamilyWords = {{
 }};
 // clang-format on
 
-// Case-insensitive ASCII comparison, usable in constant expressions.
-constexpr bool EqualNoCase(const char *a, const char *b) {
-    auto lower = [](char c) {
-        return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-    };
-    for (; *a != '\0' && *b != '\0'; ++a, ++b) {
-        if (lower(*a) != lower(*b)) {
-            return false;
-        }
-    }
-    return *a == *b;
-}
-
 // True when the words of rows [0, count) differ pairwise, ignoring case.
 template <typename Row, std::size_t N>
 constexpr bool NamesUniqueNoCase(const std::array<Row, N> &rows, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         for (std::size_t j = i + 1; j < count; ++j) {
-            if (EqualNoCase(rows[i].Name, rows[j].Name)) {
+            if (TextEqualNoCase(rows[i].Name, rows[j].Name)) {
                 return false;
             }
         }

@@ -319,7 +319,7 @@ constexpr bool NamesUniqueIn(uint32_t space) {
             const auto &a = VidFormatNameTable[i];
             const auto &b = VidFormatNameTable[j];
             if ((a.Flags & space) != 0 && (b.Flags & space) != 0 &&
-                VidFormatEqualNoCase(a.Name, b.Name)) {
+                TextEqualNoCase(a.Name, b.Name)) {
                 return false;
             }
         }

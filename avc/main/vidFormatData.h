@@ -3,6 +3,7 @@
 #ifndef AVC_MAIN_VIDFORMATDATA_H
 #define AVC_MAIN_VIDFORMATDATA_H
 
+#include "avc/main/textNoCase.h"
 #include "avc/main/vidFormat.h"
 
 #include <array>
@@ -50,20 +51,6 @@ extern const std::array<VidFormatName, kNameRows> VidFormatNameTable;
 extern const std::array<VidFormatAlias, kAliasRows> VidFormatAliasTable;
 extern const std::array<VidFormatProgressive, kProgressiveRows> VidFormatProgressiveMap;
 extern const std::array<VidFormatAllowedRow, kAllowedRows> VidFormatAllowedTable;
-
-// Case-insensitive ASCII comparison, usable in constant expressions; agrees with strcasecmp on
-// the ASCII names of the tables.
-constexpr bool VidFormatEqualNoCase(const char *a, const char *b) {
-    auto lower = [](char c) {
-        return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-    };
-    for (; *a != '\0' && *b != '\0'; ++a, ++b) {
-        if (lower(*a) != lower(*b)) {
-            return false;
-        }
-    }
-    return *a == *b;
-}
 
 } // namespace vidFormat
 
