@@ -26,21 +26,9 @@ constexpr int hangGuardMs = 60000;
 
 constexpr const char *pipeNames[] = {"PWRdCmd", "PWWtCmd", "PWRdDiag", "PWWtDiag"};
 
-// The emulator's words (a ';'-separated list, empty for a native build),
-// the program, then `args`.
+// The simulator's command line: through the emulator of a cross build.
 std::vector<std::string> commandLine(const std::vector<std::string> &args) {
-    std::vector<std::string> argv;
-    std::string_view emulator = PWSIMD_EMULATOR;
-    while (!emulator.empty()) {
-        std::size_t end       = emulator.find(';');
-        std::string_view word = emulator.substr(0, end);
-        if (!word.empty())
-            argv.emplace_back(word);
-        emulator.remove_prefix(end == std::string_view::npos ? emulator.size() : end + 1);
-    }
-    argv.emplace_back(PWSIMD_PATH);
-    argv.insert(argv.end(), args.begin(), args.end());
-    return argv;
+    return EmulatedCommandLine(PWSIMD_EMULATOR, PWSIMD_PATH, args);
 }
 
 // Forks and executes `argv` with standard output to `outFd` and, when it
@@ -137,6 +125,21 @@ void removeFolder(SimProcess &sim) {
 }
 
 } // namespace
+
+std::vector<std::string> EmulatedCommandLine(std::string_view emulator, const std::string &program,
+                                             const std::vector<std::string> &args) {
+    std::vector<std::string> argv;
+    while (!emulator.empty()) {
+        std::size_t end       = emulator.find(';');
+        std::string_view word = emulator.substr(0, end);
+        if (!word.empty())
+            argv.emplace_back(word);
+        emulator.remove_prefix(end == std::string_view::npos ? emulator.size() : end + 1);
+    }
+    argv.push_back(program);
+    argv.insert(argv.end(), args.begin(), args.end());
+    return argv;
+}
 
 SimProcess::~SimProcess() {
     if (Pid > 0) {

@@ -9,6 +9,7 @@
 
 #include <csignal>
 #include <string>
+#include <string_view>
 #include <sys/types.h>
 #include <vector>
 
@@ -27,6 +28,11 @@ struct SimProcess {
     SimProcess &operator=(const SimProcess &) = delete;
     ~SimProcess();
 };
+
+// `program` with `args`, behind the words of `emulator` (a ';'-separated
+// list, empty for a native build).
+std::vector<std::string> EmulatedCommandLine(std::string_view emulator, const std::string &program,
+                                             const std::vector<std::string> &args);
 
 // A fresh folder "/tmp/pws.XXXXXX", short enough for the link; "" on failure.
 std::string SimMakeTempDir();

@@ -1,11 +1,12 @@
 // Starting scalerctl as its own process, with pipes for both output streams.
 #include "toolRun.h"
 
+#include "tests/pwsimd/simProcess.h"
+
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
-#include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -22,26 +23,11 @@ namespace {
 // tool is a few seconds of timeouts, slower under the emulator.
 constexpr int hangGuardMs = 60000;
 
-std::vector<std::string> commandLine(const std::vector<std::string> &args) {
-    std::vector<std::string> argv;
-    std::string_view emulator = SCALERCTL_EMULATOR;
-    while (!emulator.empty()) {
-        std::size_t end       = emulator.find(';');
-        std::string_view word = emulator.substr(0, end);
-        if (!word.empty())
-            argv.emplace_back(word);
-        emulator.remove_prefix(end == std::string_view::npos ? emulator.size() : end + 1);
-    }
-    argv.emplace_back(SCALERCTL_PATH);
-    argv.insert(argv.end(), args.begin(), args.end());
-    return argv;
-}
-
 } // namespace
 
 ToolRun RunScalerctl(const std::vector<std::string> &args) {
     ToolRun run;
-    std::vector<std::string> argv = commandLine(args);
+    std::vector<std::string> argv = EmulatedCommandLine(SCALERCTL_EMULATOR, SCALERCTL_PATH, args);
     std::vector<char *> cargs;
     for (std::string &word : argv)
         cargs.push_back(word.data());
