@@ -59,9 +59,9 @@ TEST(PwsimdProcess, RefusesBadCommandLinesWithAMessage) {
 TEST(PwsimdProcess, HelpDocumentsReadyLineFaultsAndTrace) {
     SimRunResult run = SimRun({"--help"});
     EXPECT_EQ(run.ExitStatus, 0);
-    for (const char *text :
-         {"pwsimd: ready in DIR", "never", "late=MS", "status0=K", "split", "crc", "garbage",
-          "other-if", "@CHIP", "pwsimd: req chip=C if=IF op=0xOO name=NAME len=N note=- words=W"})
+    for (const char *text : {"pwsimd: ready in DIR", "never", "late=MS", "status0=K", "split",
+                             "crc", "garbage", "other-if", "frozen", "@CHIP",
+                             "pwsimd: req chip=C if=IF op=0xOO name=NAME len=N note=- words=W"})
         EXPECT_NE(run.Out.find(text), std::string::npos) << text;
 }
 

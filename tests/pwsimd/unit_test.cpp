@@ -121,7 +121,7 @@ TEST(PwsimdOptions, DefaultsAndValues) {
 }
 
 SimReply shape(unsigned mask, const PWMsg &reply, int interface = PW_INTERFACE_CMD) {
-    SimFaults f{mask, 250, 1};
+    SimFaults f{mask, 250, 1, {}};
     PWMsg copy = reply;
     SimReply out;
     SimFaultShape(f, interface, copy, out);
@@ -272,10 +272,11 @@ TEST(PwsimdDevice, KeepsWhatWasSetUntilAReset) {
 TEST(PwsimdTrace, TheLongestLineFits) {
     char line[simTraceLineSize];
     PWMsg big{};
-    big.Opcode    = 0xFF;
-    big.Length    = 253;
-    std::size_t n = SimTraceFormatMessage(line, sizeof line, true, 2, PW_INTERFACE_DIAG, big,
-                                          "never+late+status0+split+crc+garbage+other-if+full");
+    big.Opcode = 0xFF;
+    big.Length = 253;
+    std::size_t n =
+        SimTraceFormatMessage(line, sizeof line, true, 2, PW_INTERFACE_DIAG, big,
+                              "never+late+status0+split+crc+garbage+other-if+frozen+full");
     EXPECT_EQ(n, std::string(line).size());
     EXPECT_EQ(line[n - 1], '\n');
 }

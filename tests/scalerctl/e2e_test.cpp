@@ -2,10 +2,12 @@
 // real pipes. Each case checks standard output exactly, the exit status, and
 // the requests the simulator received, in order, from its trace.
 #include "tests/pwsimd/simProcess.h"
+#include "tests/pwsimd/toolModes.h"
 #include "toolRun.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -34,20 +36,29 @@ struct Outcome {
     Words Requests;
 };
 
-// Runs scalerctl with `toolArgs` against a simulator of its own, started
-// with `simArgs`, and stops the simulator afterwards.
-Outcome runWithSim(const Words &toolArgs, const Words &simArgs = {}) {
-    Outcome outcome;
+// Runs scalerctl once for each of `runs`, in order, against one simulator
+// started with `simArgs`, and stops the simulator afterwards. The requests
+// of all the runs are in the last outcome; the others have none.
+std::vector<Outcome> runSession(const std::vector<Words> &runs, const Words &simArgs = {}) {
+    std::vector<Outcome> outcomes(runs.size());
     SimProcess sim;
     Words args = simArgs;
     args.push_back("--trace");
     EXPECT_TRUE(SimStart(sim, args, "", true));
-    Words withPath = {"--pipepath", sim.Dir};
-    withPath.insert(withPath.end(), toolArgs.begin(), toolArgs.end());
-    outcome.Run = RunScalerctl(withPath);
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        Words withPath = {"--pipepath", sim.Dir};
+        withPath.insert(withPath.end(), runs[i].begin(), runs[i].end());
+        outcomes[i].Run = RunScalerctl(withPath);
+    }
     EXPECT_TRUE(SimStop(sim));
-    outcome.Requests = requestsOf(sim.ErrPending);
-    return outcome;
+    if (!outcomes.empty())
+        outcomes.back().Requests = requestsOf(sim.ErrPending);
+    return outcomes;
+}
+
+// One run of scalerctl with `toolArgs` against a simulator of its own.
+Outcome runWithSim(const Words &toolArgs, const Words &simArgs = {}) {
+    return runSession({toolArgs}, simArgs).front();
 }
 
 const std::string sixNone = "ffff,ffff,ffff,ffff,ffff,ffff";
@@ -284,6 +295,35 @@ TEST(ScalerctlMode, TheTypicalRun) {
                                  "op=0x05 words=0000", "op=0x25 words=0000", "op=0x03 words=-"}));
 }
 
+TEST(ScalerctlMode, EveryModeStringSucceedsAgainstTheFollowingOutput) {
+    // One simulator for all the runs: each set output mode changes what the
+    // next query output reports, and the tool compares its size.
+    std::vector<Words> runs;
+    Words expected;
+    for (const ModeString &mode : toolModes) {
+        runs.push_back({"-d", "1", "-m", mode.Text, "-Q"});
+        char word[8];
+        std::snprintf(word, sizeof word, "%04x", mode.PxwMode);
+        expected.insert(expected.end(), {std::string("op=0x05 words=") + word, "op=0x25 words=0000",
+                                         "op=0x03 words=-"});
+    }
+    const std::vector<Outcome> outcomes = runSession(runs);
+    for (std::size_t i = 0; i < outcomes.size(); ++i) {
+        const ToolRun &run = outcomes[i].Run;
+        EXPECT_EQ(run.ExitStatus, 0) << toolModes[i].Text << ": " << run.Out;
+        EXPECT_EQ(run.Out.rfind("\nVideo output:\n  Status             = valid\n", 0), 0u)
+            << toolModes[i].Text << ": " << run.Out;
+    }
+    EXPECT_EQ(outcomes.back().Requests, expected);
+}
+
+TEST(ScalerctlMode, AnInterlacedModeExpectsTheLinesOfBothFields) {
+    Outcome o = runWithSim({"-d", "0", "-m", "ntsc", "-Q"});
+    EXPECT_EQ(o.Run.ExitStatus, 0) << o.Run.Out;
+    EXPECT_NE(o.Run.Out.find("    Mode             = 720 x 480 at "), std::string::npos)
+        << o.Run.Out;
+}
+
 // ---- queries -------------------------------------------------------------------------
 
 TEST(ScalerctlQuery, FirmwareInputAndStatusInTheirOrder) {
@@ -347,6 +387,74 @@ TEST(ScalerctlQuery, PollTimeoutWithAModeGoesOnToTheComparison) {
                                          "    Mode             = 1280 x 720 at 60.0 Hz\n"
                                          "    Total frame size = 1650 x 750\n"));
     EXPECT_EQ(o.Run.ExitStatus, 0);
+}
+
+struct StatusRow {
+    const char *Type;
+    const char *Device;
+    const char *Camera;
+    const char *Cable;
+    const char *Status; // the word --query-in-cable prints
+};
+
+TEST(ScalerctlQuery, InputStatusFollowsTheCableSet) {
+    // clang-format off
+    const StatusRow rows[] = {
+        {"rowan", "0", "1", "svideo",    "valid"},
+        {"rowan", "1", "2", "component", "valid"},
+        {"rowan", "0", "1", "dvi-a",     "dvi-a"},
+        {"rowan", "2", "3", "composite", "valid"},
+        {"rowan", "2", "4", "dvi-a",     "dvi-a"},
+        {"rowan", "2", "4", "vga",       "dvi-a"},
+        {"rowan", "2", "4", "dvi-d",     "dvi-d"},
+        {"elm",   "2", "4", "DVI",       "dvi-d"},
+    };
+    // clang-format on
+    for (const StatusRow &row : rows) {
+        std::string shown = std::string(row.Type) + " device " + row.Device + " " + row.Cable;
+        // The cable in one run, the status in the next: the chip remembers.
+        const std::vector<Outcome> o =
+            runSession({{"-x", row.Type, "-d", row.Device, "-i", row.Camera, "-c", row.Cable},
+                        {"-x", row.Type, "-d", row.Device, "-C"}});
+        EXPECT_EQ(o[0].Run.Out, "") << shown;
+        EXPECT_EQ(o[1].Run.Out, std::string(row.Status) + "\n") << shown;
+        EXPECT_EQ(o[1].Run.ExitStatus, 0) << shown;
+        EXPECT_EQ(o[1].Requests.back(), "op=0x02 words=-") << shown;
+    }
+}
+
+TEST(ScalerctlQuery, AnOutputThatIgnoresTheModeIsAMismatchReportedOnce) {
+    // Under "frozen" the output stays 1280 x 720 at 60 Hz whatever is set.
+    const std::string mismatch = "scalerctl: output mode doesn't match request\n";
+    for (const Words &args :
+         {Words{"-d", "0", "-m", "576p"}, Words{"-d", "0", "-m", "576p", "-Q", "-V"}}) {
+        Outcome o = runWithSim(args, {"--fault", "frozen"});
+        EXPECT_EQ(o.Run.Out, mismatch + report720p60) << args.back();
+        EXPECT_EQ(o.Run.ExitStatus, 1) << args.back();
+        EXPECT_EQ(o.Requests,
+                  (Words{"op=0x05 words=0006", "op=0x25 words=0000", "op=0x03 words=-"}));
+    }
+    // Only the size is compared: 720p50 on a 720p60 output passes.
+    Outcome sameSize = runWithSim({"-d", "0", "-m", "720p50", "-Q"}, {"--fault", "frozen"});
+    EXPECT_EQ(sameSize.Run.Out, report720p60);
+    EXPECT_EQ(sameSize.Run.ExitStatus, 0);
+}
+
+TEST(ScalerctlQuery, PollTimeoutThenMismatchOfTheLastReply) {
+    Outcome o =
+        runWithSim({"-d", "0", "-m", "576p"}, {"--fault", "frozen", "--fault", "status0=100"});
+    EXPECT_EQ(o.Run.Out, "scalerctl: timeout (check camera source)\n"
+                         "scalerctl: output mode doesn't match request\n"
+                         "\nVideo output:\n"
+                         "  Status             = none\n"
+                         "  Input source       = 0x0\n"
+                         "  Timing params:\n"
+                         "    Mode             = 1280 x 720 at 60.0 Hz\n"
+                         "    Total frame size = 1650 x 750\n");
+    EXPECT_EQ(o.Run.ExitStatus, 1);
+    Words expected = {"op=0x05 words=0006", "op=0x25 words=0000"};
+    expected.insert(expected.end(), 25, "op=0x03 words=-");
+    EXPECT_EQ(o.Requests, expected);
 }
 
 // ---- failures of the daemon as the tool sees them --------------------------------------

@@ -4,9 +4,11 @@
 #include "Common/OS/osAssert.h"
 #include "tools/pwsimd/simDevice.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <iterator>
 
 namespace {
 
@@ -18,7 +20,7 @@ struct FaultKind {
 
 // clang-format off
 // Name, bit, takes a value
-constexpr std::array<FaultKind, 7> faultKinds{{
+constexpr std::array<FaultKind, 8> faultKinds{{
     {"never",    simFaultNever,   false},
     {"late",     simFaultLate,    true},
     {"status0",  simFaultStatus0, true},
@@ -26,6 +28,7 @@ constexpr std::array<FaultKind, 7> faultKinds{{
     {"crc",      simFaultCrc,     false},
     {"garbage",  simFaultGarbage, false},
     {"other-if", simFaultOtherIf, false},
+    {"frozen",   simFaultFrozen,  false},
 }};
 // clang-format on
 
@@ -73,7 +76,7 @@ bool SimFaultParse(std::string_view option, SimFaults (&faults)[PW_MAX_CHIPS], c
     if (kind == nullptr) {
         std::snprintf(error, errorSize,
                       "unknown fault '%.*s' (never, late=MS, status0=K, split, crc, garbage, "
-                      "other-if)",
+                      "other-if, frozen)",
                       static_cast<int>(name.size()), name.data());
         return false;
     }
@@ -138,6 +141,15 @@ void SimFaultShape(SimFaults &faults, int interface, PWMsg &reply, SimReply &out
         out.Send    = false;
         out.Applied = simFaultNever;
         return;
+    }
+    // A frozen output answers with the timing it started with; status0
+    // still comes on top of it.
+    if ((faults.Mask & simFaultFrozen) != 0 && reply.Opcode == simOpQueryOutput &&
+        reply.Length == 2 * simTimingWords) {
+        uint16_t words[simTimingWords];
+        SimTimingToWords(faults.Frozen, words);
+        std::copy(std::begin(words), std::end(words), reply.Payload);
+        out.Applied |= simFaultFrozen;
     }
     if ((faults.Mask & simFaultStatus0) != 0 && faults.Status0Left > 0 &&
         reply.Opcode == simOpQueryOutput && reply.Length >= 2) {

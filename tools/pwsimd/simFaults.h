@@ -8,6 +8,7 @@
 
 #include "system/Pixelworks/PWApi.h"
 #include "system/Pixelworks/PWPacket.h"
+#include "tools/pwsimd/simDevice.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -21,6 +22,7 @@ constexpr unsigned simFaultSplit   = 1u << 3; // the reply in two writes
 constexpr unsigned simFaultCrc     = 1u << 4; // the reply with a wrong CRC
 constexpr unsigned simFaultGarbage = 1u << 5; // bytes without a sync instead
 constexpr unsigned simFaultOtherIf = 1u << 6; // the reply for the other interface
+constexpr unsigned simFaultFrozen  = 1u << 7; // query output ignores set output mode
 
 // Time between the two writes of a split reply.
 constexpr uint32_t simSplitGapMs = 50;
@@ -30,6 +32,7 @@ struct SimFaults {
     unsigned Mask;
     uint32_t LateMs;      // delay of simFaultLate
     uint32_t Status0Left; // query output replies still to report Status 0
+    SimTiming Frozen;     // what query output reports under simFaultFrozen
 };
 
 // Applies one "NAME[=VALUE][@CHIP]" to the chip named, or to every chip
@@ -54,8 +57,8 @@ struct SimReply {
 };
 
 // Shapes the device's `reply` on `interface` by the chip's faults into
-// `out`. A query output reply is changed in place while status0 counts down,
-// so that the caller traces what was sent.
+// `out`. A query output reply is changed in place under frozen, and while
+// status0 counts down, so that the caller traces what was sent.
 void SimFaultShape(SimFaults &faults, int interface, PWMsg &reply, SimReply &out);
 
 #endif

@@ -201,7 +201,8 @@ int SimServe(const SimOptions &options, const SimPipes &pipes, int stopFd) {
     server.Pipes = &pipes;
     for (int chip = 0; chip < PW_MAX_CHIPS; ++chip) {
         SimDeviceInit(server.Devices[chip], chip, options.Device);
-        server.Faults[chip] = options.Faults[chip];
+        server.Faults[chip]        = options.Faults[chip];
+        server.Faults[chip].Frozen = options.Device.Output;
     }
     for (std::size_t i = 0; i < simPairCount; ++i)
         SimStreamInit(server.Streams[i], pipes.Pairs[i].Interface);
