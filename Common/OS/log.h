@@ -17,6 +17,7 @@
 
 #include <stdarg.h>
 #include <stdint.h>
+#include <syslog.h>
 
 #ifdef __cplusplus
 extern "C" {
@@ -150,6 +151,31 @@ int32_t LogGetForward(void);
 /* Queues a finished line for the writer task. Until the writer has been
  * started every line is dropped; `length` is not used. */
 void LogEnqueue(const char *line, int length);
+
+/* ---- System-log names ---------------------------------------------------
+ * The program defines openlog, closelog and setlogmask itself, with the
+ * signatures <syslog.h> gives them, so that within the program they stand in
+ * front of the C library's. They and the siblings below only keep values:
+ * the C library's syslog keeps its own ident, option, facility and mask,
+ * which none of them reaches. Start values: facility 8, mask 0x1f, second
+ * mask 0xff, no ident, option 0. */
+
+/* Stores a mask that is not 0 as the second mask word; returns the word
+ * before the call. */
+int setlogmask2(int mask);
+int getlogmask(void);
+int getlogmask2(void);
+/* Stores `facility` as it stands (openlog stores only a non-zero facility
+ * with no bit outside 0x3f8); returns it. */
+int setlogfacility(int facility);
+int getlogfacility(void);
+/* There is no log file of the program's own: always -1. */
+int getlogfile(int unused);
+/* The address of a static block of the log layer that nothing else touches. */
+void *getlogarea(void);
+/* The ident and option word of the last openlog (null and 0 before one). */
+const char *getlogident(void);
+int getlogoption(void);
 
 #ifdef __cplusplus
 }

@@ -17,6 +17,12 @@ int main(void) {
     ok = ok && strcmp(text, "date proc ") == 0;
     ok = ok && LogLevelWord(3, word) == 6 && strcmp(word, "ERROR ") == 0;
     ok = ok && LogInfo("os", "from C %d\n", 1) == 26 && LogCrit(NULL, "x") == 14;
+    /* The program's own openlog family, under the C library's names. */
+    openlog("c_abi", LOG_PERROR, 0);
+    ok = ok && strcmp(getlogident(), "c_abi") == 0 && getlogoption() == LOG_PERROR &&
+         getlogfacility() == LOG_USER && setlogmask(LOG_UPTO(LOG_DEBUG)) == 0x1f &&
+         getlogmask() == 0xff && getlogfile(0) == -1 && getlogarea() != NULL;
+    closelog();
     if (!ok)
         printf("the log operations answered wrongly from C\n");
     return ok ? 0 : 1;

@@ -10,18 +10,6 @@
 #include <syslog.h>
 #include <unistd.h>
 
-extern "C" {
-int setlogmask2(int mask);
-int getlogmask(void);
-int getlogmask2(void);
-int setlogfacility(int facility);
-int getlogfacility(void);
-int getlogfile(int unused);
-void *getlogarea(void);
-const char *getlogident(void);
-int getlogoption(void);
-}
-
 namespace {
 
 // What the C library's syslog writes on standard error during `action`.
