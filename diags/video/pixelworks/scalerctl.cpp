@@ -78,7 +78,7 @@ struct PWTimingInfo {
     uint16_t TotalHeight;
     uint16_t ActiveWidth;
     uint16_t ActiveHeight;
-    uint16_t Reserved[2];
+    uint16_t Reserved[2]; // carried by the daemon, never read: no meaning is given to them
     uint16_t InputSource;
 };
 static_assert(sizeof(PWTimingInfo) == 18, "a timing reply carries 18 bytes");
@@ -355,8 +355,9 @@ int jSetInputCalib(PWHandle *handle, UserOpts *pUserOpts) {
     int NumVals = std::sscanf(text, " %d,%d,%d,%d,%d,%d", &vals[0], &vals[1], &vals[2], &vals[3],
                               &vals[4], &vals[5]);
     OS_ASSERT(NumVals == 6);
-    // The test is on the system cable: "dvi-d" shares the key of "dvi-a" but
-    // not its opcode.
+    // The six words go out in the order of the table text, unnamed: what
+    // each one trims is the daemon's business. The test is on the system
+    // cable: "dvi-d" shares the key of "dvi-a" but not its opcode.
     PWMsg msg = jRequest(pUserOpts->SysCable == 3 ? opSetGainsVga : opSetGains, 12);
     for (int i = 0; i < 6; ++i)
         msg.Payload[i] = static_cast<uint16_t>(vals[i]); // -1 travels as 0xFFFF
@@ -705,6 +706,8 @@ int main(int argc, char **argv) {
         Changed = 1;
     }
     if (Changed) {
+        // Aspect word 0 is the one value the tool ever sends; the tool gives it
+        // no name and expects the daemon to keep its default picture shape.
         msg.Opcode     = opSetAspect;
         msg.Length     = 2;
         msg.Payload[0] = 0;
