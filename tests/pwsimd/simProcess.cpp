@@ -26,26 +26,33 @@ constexpr int hangGuardMs = 60000;
 
 constexpr const char *pipeNames[] = {"PWRdCmd", "PWWtCmd", "PWRdDiag", "PWWtDiag"};
 
-// The simulator's command line: through the emulator of a cross build.
-std::vector<std::string> commandLine(const std::vector<std::string> &args) {
-    return EmulatedCommandLine(PWSIMD_EMULATOR, PWSIMD_PATH, args);
-}
-
-// Forks and executes `argv` with standard output to `outFd` and, when it
-// is not -1, standard error to `errFd`. Our own pipe ends are close-on-exec.
-pid_t spawn(const std::vector<std::string> &argv, int outFd, int errFd) {
+// Forks and executes pwsimd with `args`, through the emulator of a cross
+// build: standard output to a fresh pipe and, with `captureErr`, standard
+// error to another; their read ends come back in `outFd` and `errFd` (else
+// -1). -1 when no child could be started.
+pid_t spawn(const std::vector<std::string> &args, bool captureErr, int &outFd, int &errFd) {
+    std::vector<std::string> argv = EmulatedCommandLine(PWSIMD_EMULATOR, PWSIMD_PATH, args);
     std::vector<char *> cargs;
     for (const std::string &word : argv)
         cargs.push_back(const_cast<char *>(word.c_str()));
     cargs.push_back(nullptr);
-    pid_t pid = fork();
+    int out[2] = {-1, -1};
+    int err[2] = {-1, -1};
+    pid_t pid  = -1;
+    if (pipe2(out, O_CLOEXEC) == 0 && (!captureErr || pipe2(err, O_CLOEXEC) == 0))
+        pid = fork();
     if (pid == 0) {
-        dup2(outFd, STDOUT_FILENO);
-        if (errFd >= 0)
-            dup2(errFd, STDERR_FILENO);
+        dup2(out[1], STDOUT_FILENO);
+        if (err[1] >= 0)
+            dup2(err[1], STDERR_FILENO);
         execvp(cargs[0], cargs.data());
         _exit(127);
     }
+    for (int fd : {out[1], err[1], pid < 0 ? out[0] : -1, pid < 0 ? err[0] : -1})
+        if (fd >= 0)
+            close(fd);
+    outFd = pid < 0 ? -1 : out[0];
+    errFd = pid < 0 ? -1 : err[0];
     return pid;
 }
 
@@ -55,24 +62,27 @@ void closeFd(int &fd) {
     fd = -1;
 }
 
-// Waits for bytes on `fd` and appends them: the count, 0 at end-of-file,
-// -1 when the guard ran out or the read failed.
-ssize_t readSome(int fd, std::string &into) {
-    pollfd p{fd, POLLIN, 0};
-    int ready;
-    do {
-        ready = poll(&p, 1, hangGuardMs);
-    } while (ready < 0 && errno == EINTR);
-    if (ready <= 0)
-        return -1;
-    char buf[512];
-    ssize_t n;
-    do {
-        n = read(fd, buf, sizeof buf);
-    } while (n < 0 && errno == EINTR);
-    if (n > 0)
-        into.append(buf, static_cast<std::size_t>(n));
-    return n;
+// Reads `fd` into `pending` until it holds a whole line, and moves that line
+// without its newline into `line`: 1, 0 at end-of-file, -1 when the guard ran
+// out or the read failed.
+int takeLine(int fd, std::string &pending, std::string &line) {
+    std::size_t newline;
+    while ((newline = pending.find('\n')) == std::string::npos) {
+        pollfd p{fd, POLLIN, 0};
+        int ready = poll(&p, 1, hangGuardMs);
+        if (ready < 0 && errno == EINTR)
+            continue;
+        char buf[512];
+        ssize_t n = ready > 0 ? read(fd, buf, sizeof buf) : -1;
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return n == 0 ? 0 : -1;
+        pending.append(buf, static_cast<std::size_t>(n));
+    }
+    line = pending.substr(0, newline);
+    pending.erase(0, newline + 1);
+    return 1;
 }
 
 int waitFor(pid_t pid) {
@@ -115,10 +125,19 @@ bool drainToEnd(int outFd, int errFd, std::string &out, std::string &err) {
     return true;
 }
 
+// The twelve pipe paths of a folder.
+std::vector<std::string> allPipePaths(const std::string &dir) {
+    std::vector<std::string> paths;
+    for (const char *name : pipeNames)
+        for (int chip = 0; chip < 3; ++chip)
+            paths.push_back(SimPipePath(dir, name, chip));
+    return paths;
+}
+
 void removeFolder(SimProcess &sim) {
     if (!sim.OwnsDir)
         return;
-    for (const std::string &path : SimAllPipePaths(sim.Dir))
+    for (const std::string &path : allPipePaths(sim.Dir))
         unlink(path.c_str());
     rmdir(sim.Dir.c_str());
     sim.OwnsDir = false;
@@ -160,14 +179,6 @@ std::string SimPipePath(const std::string &dir, const char *name, int chip) {
     return dir + "/" + name + std::to_string(chip);
 }
 
-std::vector<std::string> SimAllPipePaths(const std::string &dir) {
-    std::vector<std::string> paths;
-    for (const char *name : pipeNames)
-        for (int chip = 0; chip < 3; ++chip)
-            paths.push_back(SimPipePath(dir, name, chip));
-    return paths;
-}
-
 ::testing::AssertionResult SimStart(SimProcess &sim, const std::vector<std::string> &args,
                                     const std::string &dir, bool captureStderr) {
     if (sim.Pid > 0)
@@ -179,53 +190,37 @@ std::vector<std::string> SimAllPipePaths(const std::string &dir) {
             return ::testing::AssertionFailure() << "mkdtemp: " << std::strerror(errno);
         sim.OwnsDir = true;
     }
-    int out[2] = {-1, -1};
-    int err[2] = {-1, -1};
-    if (pipe2(out, O_CLOEXEC) != 0 || (captureStderr && pipe2(err, O_CLOEXEC) != 0))
-        return ::testing::AssertionFailure() << "pipe2: " << std::strerror(errno);
     std::vector<std::string> all = args;
     all.insert(all.end(), {"--dir", sim.Dir});
-    sim.Pid = spawn(commandLine(all), out[1], err[1]);
-    closeFd(out[1]);
-    closeFd(err[1]);
-    sim.StdoutFd = out[0];
-    sim.StderrFd = err[0];
+    sim.Pid = spawn(all, captureStderr, sim.StdoutFd, sim.StderrFd);
     if (sim.Pid < 0)
-        return ::testing::AssertionFailure() << "fork: " << std::strerror(errno);
+        return ::testing::AssertionFailure() << "cannot start pwsimd: " << std::strerror(errno);
 
-    std::string text;
-    std::size_t newline;
-    while ((newline = text.find('\n')) == std::string::npos) {
-        ssize_t n = readSome(sim.StdoutFd, text);
-        if (n == 0) {
-            int status = waitFor(sim.Pid);
-            sim.Pid    = -1;
-            return ::testing::AssertionFailure() << "pwsimd ended before its ready line ("
-                                                 << describe(status) << "), output: " << text;
-        }
-        if (n < 0)
-            return ::testing::AssertionFailure() << "no ready line from pwsimd";
+    std::string text, line;
+    int got = takeLine(sim.StdoutFd, text, line);
+    if (got == 0) {
+        int status = waitFor(sim.Pid);
+        sim.Pid    = -1;
+        return ::testing::AssertionFailure() << "pwsimd ended before its ready line ("
+                                             << describe(status) << "), output: " << text;
     }
+    if (got < 0)
+        return ::testing::AssertionFailure() << "no ready line from pwsimd";
     std::string expected = "pwsimd: ready in " + sim.Dir;
-    if (text.substr(0, newline) != expected)
+    if (line != expected)
         return ::testing::AssertionFailure()
-               << "ready line '" << text.substr(0, newline) << "', expected '" << expected << "'";
+               << "ready line '" << line << "', expected '" << expected << "'";
     return ::testing::AssertionSuccess();
 }
 
 ::testing::AssertionResult SimReadLine(SimProcess &sim, std::string &line) {
     if (sim.StderrFd < 0)
         return ::testing::AssertionFailure() << "standard error was not captured";
-    std::size_t newline;
-    while ((newline = sim.ErrPending.find('\n')) == std::string::npos) {
-        ssize_t n = readSome(sim.StderrFd, sim.ErrPending);
-        if (n <= 0)
-            return ::testing::AssertionFailure()
-                   << (n == 0 ? "standard error ended" : "no line on standard error")
-                   << "; pending: '" << sim.ErrPending << "'";
-    }
-    line = sim.ErrPending.substr(0, newline);
-    sim.ErrPending.erase(0, newline + 1);
+    int got = takeLine(sim.StderrFd, sim.ErrPending, line);
+    if (got <= 0)
+        return ::testing::AssertionFailure()
+               << (got == 0 ? "standard error ended" : "no line on standard error")
+               << "; pending: '" << sim.ErrPending << "'";
     return ::testing::AssertionSuccess();
 }
 
@@ -247,7 +242,7 @@ std::vector<std::string> SimAllPipePaths(const std::string &dir) {
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
         return ::testing::AssertionFailure() << "pwsimd ended with " << describe(status);
     std::string left;
-    for (const std::string &path : SimAllPipePaths(sim.Dir))
+    for (const std::string &path : allPipePaths(sim.Dir))
         if (access(path.c_str(), F_OK) == 0)
             left += " " + path;
     if (!left.empty())
@@ -274,21 +269,16 @@ std::vector<std::string> SimAllPipePaths(const std::string &dir) {
 
 SimRunResult SimRun(const std::vector<std::string> &args) {
     SimRunResult result{-1, {}, {}};
-    int out[2] = {-1, -1};
-    int err[2] = {-1, -1};
-    if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0)
+    int outFd = -1, errFd = -1;
+    pid_t pid = spawn(args, true, outFd, errFd);
+    if (pid < 0)
         return result;
-    pid_t pid = spawn(commandLine(args), out[1], err[1]);
-    closeFd(out[1]);
-    closeFd(err[1]);
-    if (pid > 0) {
-        if (!drainToEnd(out[0], err[0], result.Out, result.Err))
-            kill(pid, SIGKILL);
-        int status = waitFor(pid);
-        if (WIFEXITED(status))
-            result.ExitStatus = WEXITSTATUS(status);
-    }
-    closeFd(out[0]);
-    closeFd(err[0]);
+    if (!drainToEnd(outFd, errFd, result.Out, result.Err))
+        kill(pid, SIGKILL);
+    int status = waitFor(pid);
+    if (WIFEXITED(status))
+        result.ExitStatus = WEXITSTATUS(status);
+    closeFd(outFd);
+    closeFd(errFd);
     return result;
 }

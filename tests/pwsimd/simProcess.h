@@ -40,9 +40,6 @@ std::string SimMakeTempDir();
 // The path of a pipe, e.g. SimPipePath(dir, "PWWtCmd", 0).
 std::string SimPipePath(const std::string &dir, const char *name, int chip);
 
-// The twelve pipe paths of a folder.
-std::vector<std::string> SimAllPipePaths(const std::string &dir);
-
 // Starts pwsimd with `args` and "--dir": `dir`, or a fresh folder when it is
 // empty. With `captureStderr` standard error (the trace) goes to
 // SimReadLine, else to the test's own. Succeeds when the ready line

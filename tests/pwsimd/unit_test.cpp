@@ -1,5 +1,10 @@
-// pwsimd's modules in process, for what a link client can't see: timings,
-// options, fault bytes, the request stream, the device's state and refusals.
+// pwsimd's modules in process, for what a client of the link can't see or the
+// end-to-end tests don't reach: timings, options, fault bytes, the request
+// stream, refusals, and the device model (one timing per output mode, the
+// input status by cable and gains).
+#include "avc/main/vidFormat.h"
+#include "avc/main/vidTiming.h"
+#include "toolModes.h"
 #include "tools/pwsimd/simDevice.h"
 #include "tools/pwsimd/simFaults.h"
 #include "tools/pwsimd/simOptions.h"
@@ -8,14 +13,18 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace {
 
 using Bytes = std::vector<uint8_t>;
+using Words = std::vector<uint16_t>;
 
-PWMsg message(uint8_t opcode, std::vector<uint16_t> words) {
+PWMsg message(uint8_t opcode, const Words &words) {
     PWMsg msg{};
     msg.Opcode = opcode;
     msg.Length = static_cast<uint8_t>(2 * words.size());
@@ -30,8 +39,8 @@ Bytes packet(const PWMsg &msg, int interface) {
     return Bytes(buf, buf + n);
 }
 
-std::vector<uint16_t> words(const PWMsg &msg) {
-    return std::vector<uint16_t>(msg.Payload, msg.Payload + msg.Length / 2);
+Words words(const PWMsg &msg) {
+    return Words(msg.Payload, msg.Payload + msg.Length / 2);
 }
 
 struct TimingRow {
@@ -42,10 +51,10 @@ struct TimingRow {
 // clang-format off
 // Text, RefreshRate (1/100 Hz), TotalWidth, TotalHeight, ActiveWidth, ActiveHeight
 const TimingRow goodTimings[] = {
-    {"1280x720@60",     6000,  1650, 750,  1280, 720},
-    {"1920x1080@59.94", 5994,  2200, 1125, 1920, 1080},
-    {"720x480@59.9",    5990,  858,  525,  720,  480},
-    {"1000x500@50",     5000,  1160, 530,  1000, 500},
+    {"1280x720@60",      6000,  1650, 750,  1280, 720},
+    {"1920x1080@59.94",  5994,  2200, 1125, 1920, 1080},
+    {"720x480@59.9",     5990,  858,  525,  720,  480},
+    {"1000x500@50",      5000,  1160, 530,  1000, 500},
     {"8192x8192@655.35", 65535, 8352, 8222, 8192, 8192},
 };
 // clang-format on
@@ -91,14 +100,10 @@ bool parse(std::vector<std::string> args, SimOptions &options, std::string &erro
 TEST(PwsimdOptions, DefaultsAndValues) {
     SimOptions o{};
     std::string error;
-    ASSERT_TRUE(parse({}, o, error)) << error;
+    ASSERT_TRUE(parse({"--output", "1920x1080@50"}, o, error)) << error;
     EXPECT_STREQ(o.Dir, "/tmp");
-    EXPECT_EQ(o.Device.Firmware, 258);
-    EXPECT_EQ(o.Device.Output.ActiveWidth, 1280);
-    EXPECT_EQ(o.Device.Input.ActiveWidth, 1280) << "the input follows the output by default";
+    EXPECT_EQ(o.Device.Input.ActiveWidth, 1920) << "the input follows the output by default";
     EXPECT_FALSE(o.Trace);
-    for (const SimFaults &f : o.Faults)
-        EXPECT_EQ(f.Mask, 0u);
 
     ASSERT_TRUE(parse({"-f", "0x10", "--output", "1920x1080@50", "--input=720x576@50", "-t",
                        "--fault", "late=300@1", "--fault", "split", "-d", "/var/x"},
@@ -118,32 +123,53 @@ TEST(PwsimdOptions, DefaultsAndValues) {
     EXPECT_EQ(o.Device.Firmware, 8) << "a leading 0 is octal";
     // A second parse starts from the defaults again.
     EXPECT_EQ(o.Faults[1].Mask, 0u);
+    EXPECT_EQ(o.Device.Output.ActiveWidth, 1280);
 }
 
-SimReply shape(unsigned mask, const PWMsg &reply, int interface = PW_INTERFACE_CMD) {
-    SimFaults f{mask, 250, 1, {}};
-    PWMsg copy = reply;
-    SimReply out;
-    SimFaultShape(f, interface, copy, out);
-    return out;
-}
-
-// What a client sees of each fault is tested over the link; these are the
+// What a client sees of each fault is tested end to end; these are the
 // properties it can't see.
 TEST(PwsimdFaults, GarbageHoldsNoSyncAndSplitCutsAWholePacket) {
     const PWMsg reply = message(simOpQueryVersion, {0x0102});
     const Bytes clean = packet(reply, PW_INTERFACE_CMD);
-
-    SimReply out = shape(simFaultGarbage, reply);
+    SimFaults faults{simFaultGarbage, 250, 0, {}};
+    PWMsg copy = reply;
+    SimReply out;
+    SimFaultShape(faults, PW_INTERFACE_CMD, copy, out);
     EXPECT_EQ(out.Size, clean.size());
     for (std::size_t i = 0; i < out.Size; ++i)
         EXPECT_NE(out.Bytes[i], pwSync0) << "at " << i;
 
-    out = shape(simFaultSplit | simFaultLate, reply);
+    faults.Mask = simFaultSplit | simFaultLate;
+    SimFaultShape(faults, PW_INTERFACE_CMD, copy, out);
     EXPECT_EQ(out.DelayMs, 250u);
     EXPECT_GT(out.FirstPiece, 0u);
     EXPECT_EQ(PWPacketScan(out.Bytes, out.FirstPiece, PW_INTERFACE_CMD), PWScan::incomplete);
     EXPECT_EQ(Bytes(out.Bytes, out.Bytes + out.Size), clean);
+}
+
+TEST(PwsimdFaults, Status0CountsDownOnQueryOutputRepliesOnly) {
+    SimFaults faults{simFaultStatus0, 0, 2, {}};
+    const Words timing = {simStatusValid, 6000, 1650, 750, 1280, 720, 0, 0, 0};
+    // clang-format off
+    // A reply in turn, and the status word it goes out with
+    const std::pair<uint8_t, uint16_t> replies[] = {
+        {simOpQueryOutput, simStatusNone},
+        {simOpQueryInput,  simStatusValid},
+        {simOpQueryOutput, simStatusNone},
+        {simOpQueryOutput, simStatusValid},
+    };
+    // clang-format on
+    for (auto [opcode, status] : replies) {
+        PWMsg reply = message(opcode, timing);
+        SimReply out;
+        SimFaultShape(faults, PW_INTERFACE_CMD, reply, out);
+        PWMsg sent{};
+        ASSERT_EQ(PWPacketScan(out.Bytes, out.Size, PW_INTERFACE_CMD), PWScan::good);
+        PWPacketDecode(out.Bytes, sent);
+        Words expected = timing;
+        expected[0]    = status;
+        EXPECT_EQ(words(sent), expected) << "opcode " << int{opcode};
+    }
 }
 
 // Feeds `bytes` into a stream in pieces of `piece` bytes and collects what
@@ -153,9 +179,9 @@ struct Taken {
     std::vector<std::size_t> Skipped;
 };
 
-Taken feed(const Bytes &bytes, std::size_t piece, int interface = PW_INTERFACE_CMD) {
+Taken feed(const Bytes &bytes, std::size_t piece) {
     SimStream stream;
-    SimStreamInit(stream, interface);
+    SimStreamInit(stream, PW_INTERFACE_CMD);
     Taken taken;
     for (std::size_t at = 0; at < bytes.size(); at += piece) {
         std::size_t room = 0;
@@ -243,30 +269,6 @@ TEST(PwsimdDevice, RefusesUnknownOpcodesAndWrongLengths) {
     EXPECT_EQ(device.Cable, -1) << "a refused set changes nothing";
 }
 
-TEST(PwsimdDevice, KeepsWhatWasSetUntilAReset) {
-    SimDevice device;
-    SimDeviceInit(device, 2, SimDeviceConfig{});
-    PWMsg reply{};
-    ASSERT_TRUE(SimDeviceAnswer(device, message(simOpSetCable, {5}), reply));
-    ASSERT_TRUE(SimDeviceAnswer(device, message(simOpSetMode, {3}), reply));
-    ASSERT_TRUE(SimDeviceAnswer(device, message(simOpSetAspect, {0}), reply));
-    ASSERT_TRUE(SimDeviceAnswer(
-        device, message(simOpSetGainsVga, {67, 63, 64, 0xFFFF, 0xFFFF, 0xFFFF}), reply));
-    EXPECT_EQ(device.Cable, 5);
-    EXPECT_EQ(device.Mode, 3);
-    EXPECT_EQ(device.Aspect, 0);
-    EXPECT_EQ(device.GainsOpcode, simOpSetGainsVga);
-    EXPECT_EQ(device.Gains[5], 0xFFFF);
-
-    ASSERT_TRUE(SimDeviceAnswer(device, message(simOpReset, {}), reply));
-    EXPECT_EQ(device.Chip, 2);
-    EXPECT_EQ(device.Resets, 1u);
-    EXPECT_EQ(device.Cable, -1);
-    EXPECT_EQ(device.Mode, -1);
-    EXPECT_EQ(device.Aspect, -1);
-    EXPECT_EQ(device.GainsOpcode, 0);
-}
-
 // The exact lines are tested on the daemon's standard error; here, that
 // the longest possible line fits its buffer.
 TEST(PwsimdTrace, TheLongestLineFits) {
@@ -279,6 +281,120 @@ TEST(PwsimdTrace, TheLongestLineFits) {
                               "never+late+status0+split+crc+garbage+other-if+frozen+full");
     EXPECT_EQ(n, std::string(line).size());
     EXPECT_EQ(line[n - 1], '\n');
+}
+
+// ---- the device model ---------------------------------------------------
+
+// Output sizes that no mode has, so that an output left alone shows.
+SimDevice freshDevice() {
+    SimDeviceConfig config{};
+    EXPECT_TRUE(SimParseTiming("100x100@1", config.Output));
+    EXPECT_TRUE(SimParseTiming("200x150@7.5", config.Input));
+    SimDevice device;
+    SimDeviceInit(device, 2, config);
+    return device;
+}
+
+// One request to the device; the reply's words. A refusal fails the test.
+Words ask(SimDevice &device, uint8_t opcode, const Words &payload = {}) {
+    PWMsg reply{};
+    EXPECT_TRUE(SimDeviceAnswer(device, message(opcode, payload), reply)) << "opcode " << +opcode;
+    return words(reply);
+}
+
+// Words of a timing reply.
+enum : std::size_t { wStatus, wRate, wTotalW, wTotalH, wActiveW, wActiveH };
+
+// Each string's active size is checked end to end by the tool itself; what it
+// can't see is that the chip has one timing per mode, with the rate and totals
+// of a string that leads to that mode, not of another mode of the same size.
+TEST(PwsimdModel, EachModeReportsTheTimingOfOneOfItsStrings) {
+    // Rate (1/100 Hz), TotalWidth, TotalHeight, ActiveWidth, ActiveHeight.
+    using Timing = std::array<uint32_t, 5>;
+    std::map<uint16_t, std::set<Timing>> recordsOfMode;
+    for (const ModeString &mode : toolModes) {
+        int32_t formatId = 0;
+        uint32_t rate    = 0;
+        VidTiming r{};
+        ASSERT_EQ(VidFormatFromName(mode.Text, &formatId, &rate), 0) << mode.Text;
+        ASSERT_EQ(VidTimingForOutput(formatId, &r), 0) << mode.Text;
+        recordsOfMode[mode.PxwMode].insert({r.FrameRateMilliHz / 10, r.HTotal, r.VTotal + r.VTotal2,
+                                            r.HActive, r.VActive + r.VActive2});
+    }
+    for (const auto &[pxwMode, records] : recordsOfMode) {
+        SimDevice device = freshDevice();
+        ask(device, simOpSetMode, {pxwMode});
+        const Words out = ask(device, simOpQueryOutput);
+        ASSERT_EQ(out.size(), simTimingWords) << "PxwMode " << pxwMode;
+        EXPECT_EQ(
+            records.count({out[wRate], out[wTotalW], out[wTotalH], out[wActiveW], out[wActiveH]}),
+            1u)
+            << "PxwMode " << pxwMode << " reports " << out[wActiveW] << " x " << out[wActiveH]
+            << " at " << out[wRate] << " (1/100 Hz), " << out[wTotalW] << " x " << out[wTotalH];
+    }
+}
+
+TEST(PwsimdModel, AModeWithoutARowKeepsTheOutputAndAResetRestoresTheStart) {
+    SimDevice device  = freshDevice();
+    const Words start = ask(device, simOpQueryOutput);
+    EXPECT_EQ(start[wActiveW], 100) << "the --output timing before any set output mode";
+    ask(device, simOpSetMode, {0});
+    const Words mode0 = ask(device, simOpQueryOutput);
+    EXPECT_EQ(mode0[wActiveW], 1280);
+    for (uint16_t unknown : {2, 4, 29, 30, 32, 44, 47, 0xFFFF}) {
+        ask(device, simOpSetMode, {unknown});
+        EXPECT_EQ(ask(device, simOpQueryOutput), mode0) << "PxwMode " << unknown;
+    }
+    ask(device, simOpReset);
+    EXPECT_EQ(ask(device, simOpQueryOutput), start);
+}
+
+struct Step {
+    uint8_t Opcode;
+    Words Payload;
+    uint16_t Status; // of the input afterwards
+    const char *Meaning;
+};
+
+// The cable sets the input status; on the DVI connector only the last gains
+// after the set cable tell an analogue signal from a digital one.
+TEST(PwsimdModel, InputStatusFollowsTheCableAndTheGainsAfterIt) {
+    const Words gains = {82, 84, 82, 127, 123, 122};
+    // clang-format off
+    // One request in turn, and the input status that query input reports after it
+    const Step steps[] = {
+        {simOpSetGainsVga, gains,    simStatusValid, "gains before any cable say nothing"},
+        {simOpSetCable,    {5},      simStatusDviD,  "DVI connector, no gains yet"},
+        {simOpSetGainsVga, gains,    simStatusDviA,  "analogue gains"},
+        {simOpQueryOutput, {},       simStatusDviA,  "a query changes nothing"},
+        {simOpSetGains,    gains,    simStatusDviD,  "the last gains count"},
+        {simOpSetGainsVga, gains,    simStatusDviA,  "analogue again"},
+        {simOpSetCable,    {5},      simStatusDviD,  "gains before the cable don't count"},
+        {simOpSetCable,    {1},      simStatusValid, "composite"},
+        {simOpSetCable,    {2},      simStatusValid, "svideo"},
+        {simOpSetGainsVga, gains,    simStatusValid, "gains don't change a video cable"},
+        {simOpSetCable,    {3},      simStatusValid, "composite of camera 3"},
+        {simOpSetCable,    {4},      simStatusValid, "svideo of camera 3"},
+        {simOpSetCable,    {6},      simStatusValid, "component"},
+        {simOpSetCable,    {7},      simStatusNone,  "no such cable"},
+        {simOpSetGains,    gains,    simStatusNone,  "gains don't make a missing cable"},
+        {simOpSetCable,    {0xFFFF}, simStatusNone,  "no such cable either"},
+        {simOpSetCable,    {0},      simStatusDviA,  "dvi-a"},
+        {simOpSetGains,    gains,    simStatusDviA,  "gains don't change the analogue input"},
+        {simOpReset,       {},       simStatusValid, "reset"},
+        {simOpSetGainsVga, gains,    simStatusValid, "the reset forgot the cable"},
+    };
+    // clang-format on
+    SimDevice device   = freshDevice();
+    Words input        = ask(device, simOpQueryInput);
+    const Words output = ask(device, simOpQueryOutput);
+    EXPECT_EQ(input[wStatus], simStatusValid) << "before any set cable";
+    for (const Step &step : steps) {
+        ask(device, step.Opcode, step.Payload);
+        input[wStatus] = step.Status; // only the status changes
+        EXPECT_EQ(ask(device, simOpQueryInput), input) << step.Meaning;
+        EXPECT_EQ(ask(device, simOpQueryOutput), output) << step.Meaning;
+    }
 }
 
 } // namespace
