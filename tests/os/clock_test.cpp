@@ -4,14 +4,17 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 namespace {
 
-// A counter the test sets, and counts of its starts.
+// A counter the test sets, the count of its starts, and a time base read from scripted halves.
 uint32_t fakeMillis = 0;
 int starts          = 0;
 bool startFails     = false;
+std::vector<uint32_t> uppers, lowers;
+std::size_t upperReads = 0, lowerReads = 0;
 
 ClockStart fakeStart() {
     ++starts;
@@ -20,10 +23,6 @@ ClockStart fakeStart() {
 uint32_t fakeCounter() {
     return fakeMillis;
 }
-
-// A time base read from scripted sequences of halves.
-std::vector<uint32_t> uppers, lowers;
-std::size_t upperReads = 0, lowerReads = 0;
 uint32_t scriptedUpper() {
     return uppers.at(upperReads++);
 }
@@ -35,75 +34,50 @@ const ClockSource fakeSource{fakeStart, fakeCounter, scriptedUpper, scriptedLowe
 
 class Clock : public testing::Test {
   protected:
-    void SetUp() override {
-        fakeMillis = 0;
-        starts     = 0;
-        startFails = false;
-        uppers.clear();
-        lowers.clear();
-        upperReads = lowerReads = 0;
-        ClockSourceSet(&fakeSource);
-    }
+    void SetUp() override { ClockSourceSet(&fakeSource); }
     void TearDown() override { ClockSourceSet(nullptr); }
+    static void script(std::vector<uint32_t> upper, std::vector<uint32_t> lower) {
+        uppers     = std::move(upper);
+        lowers     = std::move(lower);
+        upperReads = lowerReads = 0;
+    }
 };
 
-TEST_F(Clock, Constants) {
-    EXPECT_EQ(ClockTimeBaseRate(), 66666664.0f);
-    EXPECT_EQ(ClockTimeBaseRate(), 66666666.0f); // the rate as the board states it, as a float
-    EXPECT_EQ(ClockCountsPerTick(), 666666u);
-    EXPECT_EQ(ClockTickMillis(), 10u);
-}
-
-TEST_F(Clock, SecondsAndTicksTruncate) {
-    struct Row {
-        uint32_t millis, seconds, ticks;
+TEST_F(Clock, SecondsAndTicksTruncateUpToTheWrap) {
+    // clang-format off
+    /* Counter (ms), Seconds, Ticks */
+    const uint32_t rows[][3] = {
+        {0,                 0,        0},
+        {9,                 0,        0},
+        {10,                0,        1},
+        {999,               0,        99},
+        {1009,              1,        100},
+        {0xFFFFFFFFu,       4294967,  429496729},
+        {0xFFFFFFFFu + 1u,  0,        0}, // after the wrap everything falls back to 0
     };
-    const Row rows[] = {
-        {0, 0, 0},
-        {9, 0, 0},
-        {10, 0, 1},
-        {999, 0, 99},
-        {1000, 1, 100},
-        {1009, 1, 100},
-        {0xFFFFFFFFu, 4294967, 429496729},
-    };
-    for (const Row &r : rows) {
-        fakeMillis = r.millis;
-        EXPECT_EQ(ClockMillis(), r.millis);
-        EXPECT_EQ(ClockSeconds(), r.seconds) << r.millis;
-        EXPECT_EQ(ClockTicks(), r.ticks) << r.millis;
+    // clang-format on
+    for (const auto &[millis, seconds, ticks] : rows) {
+        fakeMillis   = millis;
+        uint32_t out = 1;
+        EXPECT_EQ(ClockMillisInto(&out), millis);
+        EXPECT_EQ(out, millis);
+        EXPECT_EQ(ClockSeconds(), seconds) << millis;
+        EXPECT_EQ(ClockTicks(), ticks) << millis;
     }
-    // After the wrap everything falls back to 0.
-    fakeMillis = 0xFFFFFFFFu + 1u;
-    EXPECT_EQ(ClockSeconds(), 0u);
-    EXPECT_EQ(ClockTicks(), 0u);
+    EXPECT_EQ(ClockMillisInto(nullptr), 0u);
 }
 
-TEST_F(Clock, CounterIsStartedOnceAtTheFirstReading) {
+// Started once at the first reading; a failed start reads 0 and is tried again at the next.
+TEST_F(Clock, CounterStartsOnceAndAFailedStartIsTriedAgain) {
     fakeMillis = 42;
-    EXPECT_EQ(ClockMillis(), 42u);
-    EXPECT_EQ(ClockMillis(), 42u);
-    EXPECT_EQ(starts, 1);
-}
-
-TEST_F(Clock, FailedStartReadsZeroAndIsTriedAgainEachTime) {
+    starts     = 0;
     startFails = true;
-    fakeMillis = 42;
     EXPECT_EQ(ClockMillis(), 0u);
-    EXPECT_EQ(ClockSeconds(), 0u);
     EXPECT_EQ(ClockTicks(), 0u);
-    EXPECT_EQ(starts, 3);
     startFails = false;
     EXPECT_EQ(ClockMillis(), 42u);
-    EXPECT_EQ(starts, 4);
-}
-
-TEST_F(Clock, MillisIntoStoresWhenGivenAPlace) {
-    fakeMillis = 1234;
-    EXPECT_EQ(ClockMillisInto(nullptr), 1234u);
-    uint32_t out = 0;
-    EXPECT_EQ(ClockMillisInto(&out), 1234u);
-    EXPECT_EQ(out, 1234u);
+    EXPECT_EQ(ClockSeconds(), 0u);
+    EXPECT_EQ(starts, 3);
 }
 
 TEST_F(Clock, TimeBaseReadPairsTheHalvesOfOneInstant) {
@@ -113,46 +87,35 @@ TEST_F(Clock, TimeBaseReadPairsTheHalvesOfOneInstant) {
         uint32_t high, low;
         std::size_t upperReads;
     };
+    // clang-format off
+    /* What, Upper halves read, Lower halves read, High, Low, Upper reads */
     const Row rows[] = {
-        {"steady", {7, 7}, {100}, 7, 100, 2},
-        {"carry between the upper reads", {5, 6, 6, 6}, {0xFFFFFFFFu, 0}, 6, 0, 4},
-        {"two carries", {1, 2, 2, 3, 3, 3}, {0xFFFFFFF0u, 0xFFFFFFFFu, 5}, 3, 5, 6},
+        {"steady",                        {7, 7},             {100},                         7, 100, 2},
+        {"carry between the upper reads", {5, 6, 6, 6},       {0xFFFFFFFFu, 0},              6, 0,   4},
+        {"two carries",                   {1, 2, 2, 3, 3, 3}, {0xFFFFFFF0u, 0xFFFFFFFFu, 5}, 3, 5,   6},
     };
+    // clang-format on
     for (const Row &r : rows) {
-        uppers     = r.uppers;
-        lowers     = r.lowers;
-        upperReads = lowerReads = 0;
+        script(r.uppers, r.lowers);
         uint32_t high = 0, low = 0;
         EXPECT_EQ(ClockTimeBaseRead(&high, &low), r.low) << r.what;
-        EXPECT_EQ(high, r.high) << r.what;
-        EXPECT_EQ(low, r.low) << r.what;
-        EXPECT_EQ(upperReads, r.upperReads) << r.what;
+        EXPECT_EQ(std::tie(high, low, upperReads), std::tie(r.high, r.low, r.upperReads)) << r.what;
     }
-    uppers     = {9, 9};
-    lowers     = {77};
-    upperReads = lowerReads = 0;
+    script({9, 9}, {77, 88});
     EXPECT_EQ(ClockTimeBaseRead(nullptr, nullptr), 77u);
-    lowers     = {88};
-    lowerReads = 0;
     EXPECT_EQ(ClockTimeBaseLow(), 88u);
 }
 
-TEST(HostClock, MillisecondsNeverGoBackAndTheTimeBaseRuns) {
-    uint32_t first = ClockMillis();
+TEST(HostClock, MillisecondsAndTheTimeBaseRunOverASleep) {
+    const uint32_t first = ClockMillis();
     uint32_t high1 = 0, low1 = 0, high2 = 0, low2 = 0;
     ClockTimeBaseRead(&high1, &low1);
-    EXPECT_EQ(ClockSleep(2000), 0);
-    ClockTimeBaseRead(&high2, &low2);
-    // Nothing close to a wrap of the 32-bit count in this short interval.
-    EXPECT_GE(ClockMillis() - first, 2u);
-    uint64_t before = static_cast<uint64_t>(high1) << 32 | low1;
-    uint64_t after  = static_cast<uint64_t>(high2) << 32 | low2;
-    EXPECT_GT(after, before);
-}
-
-TEST(HostClock, SleepTakesTheWholeCountAsMicroseconds) {
     EXPECT_EQ(ClockSleep(0), 0);
-    EXPECT_EQ(ClockSleep(1), 0);
+    EXPECT_EQ(ClockSleep(2000), 0); // the whole count as microseconds
+    ClockTimeBaseRead(&high2, &low2);
+    // The difference is taken modulo 2^32, so a wrap of the count in between does no harm.
+    EXPECT_GE(ClockMillis() - first, 2u);
+    EXPECT_GT(static_cast<uint64_t>(high2) << 32 | low2, static_cast<uint64_t>(high1) << 32 | low1);
 }
 
 } // namespace
