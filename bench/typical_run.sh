@@ -4,16 +4,20 @@
 # ratio of the two medians. The gap is what the run itself costs: the
 # exchanges on the pipes. Run it on a quiet machine; other work on the cores
 # lengthens the waits on the daemon far more than the start-up.
+# PIN_CPU=N runs the daemon and both commands on CPU N (through taskset), so
+# that no wake-up crosses processors: what is left of the gap is the tool's.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 build=${BUILD:-build/default}
 runs=${RUNS:-300}
+pin=()
+[ -n "${PIN_CPU:-}" ] && pin=(taskset -c "$PIN_CPU")
 cmake --preset default > /dev/null
 cmake --build "$build" -j2 --target scalerctl pwsimd > /dev/null
 
 dir=$(mktemp -d /tmp/pwbench.XXXXXX)
-"$build/tools/pwsimd/pwsimd" --dir "$dir" > "$dir.ready" 2> /dev/null &
+"${pin[@]}" "$build/tools/pwsimd/pwsimd" --dir "$dir" > "$dir.ready" 2> /dev/null &
 sim=$!
 trap 'kill "$sim" 2> /dev/null; wait "$sim" 2> /dev/null || true; rm -rf "$dir" "$dir.ready" "$dir.csv"' EXIT
 for _ in $(seq 100); do
@@ -21,10 +25,10 @@ for _ in $(seq 100); do
     sleep 0.05
 done
 
-tool="$build/diags/video/pixelworks/scalerctl"
+tool="${pin[*]} $build/diags/video/pixelworks/scalerctl"
 # --version ends with status 1, so hyperfine ignores exit statuses: the
 # typical run is checked once here instead.
-"$tool" -p "$dir" -d 0 -i 1 -c svideo -m 720p60 -Q > /dev/null
+$tool -p "$dir" -d 0 -i 1 -c svideo -m 720p60 -Q > /dev/null
 hyperfine -N -i --warmup 30 --runs "$runs" --export-csv "$dir.csv" \
     -n typical "$tool -p $dir -d 0 -i 1 -c svideo -m 720p60 -Q" \
     -n version "$tool --version"
