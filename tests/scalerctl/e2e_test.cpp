@@ -71,6 +71,17 @@ const std::string report720p60 = "\nVideo output:\n"
                                  "    Mode             = 1280 x 720 at 60.0 Hz\n"
                                  "    Total frame size = 1650 x 750\n";
 
+// The same output while it still reports no signal (status0).
+const std::string report720p60None = "\nVideo output:\n"
+                                     "  Status             = none\n"
+                                     "  Input source       = 0x0\n"
+                                     "  Timing params:\n"
+                                     "    Mode             = 1280 x 720 at 60.0 Hz\n"
+                                     "    Total frame size = 1650 x 750\n";
+
+const std::string timeoutLine  = "scalerctl: timeout (check camera source)\n";
+const std::string mismatchLine = "scalerctl: output mode doesn't match request\n";
+
 // ---- the command line ----------------------------------------------------------
 
 // A refused command line never reaches a pipe: these run with a folder that
@@ -435,7 +446,7 @@ TEST(ScalerctlQuery, OutputIsPolledUntilItReports) {
 
 TEST(ScalerctlQuery, PollTimeoutAfterACableChangeStillSucceeds) {
     Outcome o = runWithSim({"-d", "0", "-i", "1", "-c", "svideo"}, {"--fault", "status0=100"});
-    EXPECT_EQ(o.Run.Out, "scalerctl: timeout (check camera source)\n");
+    EXPECT_EQ(o.Run.Out, timeoutLine);
     EXPECT_EQ(o.Run.ExitStatus, 0);
     Words expected = {"op=0x04 words=0002", "op=0x2c words=" + sixNone, "op=0x25 words=0000"};
     expected.insert(expected.end(), 25, "op=0x03 words=-");
@@ -445,13 +456,7 @@ TEST(ScalerctlQuery, PollTimeoutAfterACableChangeStillSucceeds) {
 TEST(ScalerctlQuery, PollTimeoutWithAModeGoesOnToTheComparison) {
     // The last reply still has the requested size: timeout line, no mismatch.
     Outcome o = runWithSim({"-d", "0", "-m", "720p60", "-Q"}, {"--fault", "status0=100"});
-    EXPECT_EQ(o.Run.Out, "scalerctl: timeout (check camera source)\n" +
-                             std::string("\nVideo output:\n"
-                                         "  Status             = none\n"
-                                         "  Input source       = 0x0\n"
-                                         "  Timing params:\n"
-                                         "    Mode             = 1280 x 720 at 60.0 Hz\n"
-                                         "    Total frame size = 1650 x 750\n"));
+    EXPECT_EQ(o.Run.Out, timeoutLine + report720p60None);
     EXPECT_EQ(o.Run.ExitStatus, 0);
 }
 
@@ -491,11 +496,10 @@ TEST(ScalerctlQuery, InputStatusFollowsTheCableSet) {
 
 TEST(ScalerctlQuery, AnOutputThatIgnoresTheModeIsAMismatchReportedOnce) {
     // Under "frozen" the output stays 1280 x 720 at 60 Hz whatever is set.
-    const std::string mismatch = "scalerctl: output mode doesn't match request\n";
     for (const Words &args :
          {Words{"-d", "0", "-m", "576p"}, Words{"-d", "0", "-m", "576p", "-Q", "-V"}}) {
         Outcome o = runWithSim(args, {"--fault", "frozen"});
-        EXPECT_EQ(o.Run.Out, mismatch + report720p60) << args.back();
+        EXPECT_EQ(o.Run.Out, mismatchLine + report720p60) << args.back();
         EXPECT_EQ(o.Run.ExitStatus, 1) << args.back();
         EXPECT_EQ(o.Requests,
                   (Words{"op=0x05 words=0006", "op=0x25 words=0000", "op=0x03 words=-"}));
@@ -509,14 +513,7 @@ TEST(ScalerctlQuery, AnOutputThatIgnoresTheModeIsAMismatchReportedOnce) {
 TEST(ScalerctlQuery, PollTimeoutThenMismatchOfTheLastReply) {
     Outcome o =
         runWithSim({"-d", "0", "-m", "576p"}, {"--fault", "frozen", "--fault", "status0=100"});
-    EXPECT_EQ(o.Run.Out, "scalerctl: timeout (check camera source)\n"
-                         "scalerctl: output mode doesn't match request\n"
-                         "\nVideo output:\n"
-                         "  Status             = none\n"
-                         "  Input source       = 0x0\n"
-                         "  Timing params:\n"
-                         "    Mode             = 1280 x 720 at 60.0 Hz\n"
-                         "    Total frame size = 1650 x 750\n");
+    EXPECT_EQ(o.Run.Out, timeoutLine + mismatchLine + report720p60None);
     EXPECT_EQ(o.Run.ExitStatus, 1);
     Words expected = {"op=0x05 words=0006", "op=0x25 words=0000"};
     expected.insert(expected.end(), 25, "op=0x03 words=-");
