@@ -16,14 +16,9 @@ pin=()
 cmake --preset default > /dev/null
 cmake --build "$build" -j2 --target scalerctl pwsimd > /dev/null
 
-dir=$(mktemp -d /tmp/pwbench.XXXXXX)
-"${pin[@]}" "$build/tools/pwsimd/pwsimd" --dir "$dir" > "$dir.ready" 2> /dev/null &
-sim=$!
-trap 'kill "$sim" 2> /dev/null; wait "$sim" 2> /dev/null || true; rm -rf "$dir" "$dir.ready" "$dir.csv"' EXIT
-for _ in $(seq 100); do
-    grep -q 'ready' "$dir.ready" 2> /dev/null && break
-    sleep 0.05
-done
+. tools/pwsimd/launch.sh
+sim_launch "$build/tools/pwsimd/pwsimd" "${pin[@]}"
+dir=$sim_dir
 
 tool="${pin[*]} $build/diags/video/pixelworks/scalerctl"
 # --version ends with status 1, so hyperfine ignores exit statuses: the

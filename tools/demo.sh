@@ -10,15 +10,9 @@ build=build/default
 cmake --preset default > /dev/null
 cmake --build "$build" -j2 --target scalerctl pwsimd > /dev/null
 
-dir=$(mktemp -d /tmp/pwdemo.XXXXXX)
-"$build/tools/pwsimd/pwsimd" --dir "$dir" > "$dir.ready" 2> /dev/null &
-sim=$!
-trap 'kill "$sim" 2> /dev/null; wait "$sim" 2> /dev/null || true; rm -rf "$dir" "$dir.ready"' EXIT
-# The simulator prints one line when its pipes can be used.
-for _ in $(seq 100); do
-    grep -q 'ready' "$dir.ready" 2> /dev/null && break
-    sleep 0.05
-done
+. tools/pwsimd/launch.sh
+sim_launch "$build/tools/pwsimd/pwsimd"
+dir=$sim_dir
 
 status=0
 run() {
