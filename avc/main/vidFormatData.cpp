@@ -2,6 +2,8 @@
 // and the lists of formats that each system type allows.
 #include "avc/main/vidFormatData.h"
 
+#include "Common/OS/tableKeys.h"
+
 namespace vidFormat {
 
 // clang-format off
@@ -347,45 +349,24 @@ constexpr bool AliasesWellFormed() {
 }
 static_assert(AliasesWellFormed());
 
-constexpr bool ProgressiveKeysUnique() {
-    for (std::size_t i = 0; i < kProgressiveRows; ++i) {
-        for (std::size_t j = i + 1; j < kProgressiveRows; ++j) {
-            if (VidFormatProgressiveMap[i].FormatId == VidFormatProgressiveMap[j].FormatId) {
-                return false;
-            }
-        }
-    }
-    return true;
-}
-static_assert(ProgressiveKeysUnique());
+static_assert(TableKeysUnique(VidFormatProgressiveMap,
+                              [](const VidFormatProgressive &r) { return r.FormatId; }));
 
 static_assert(allowedListA.size() == 30 && allowedListB.size() == 38 && allowedListC.size() == 38 &&
               allowedListD.size() == 43 && allowedListE.size() == 41);
 
+// Ids of an allowed list: positive, each once.
 template <std::size_t N> constexpr bool IdsUnique(const std::array<int32_t, N> &ids) {
-    for (std::size_t i = 0; i < N; ++i) {
-        for (std::size_t j = i + 1; j < N; ++j) {
-            if (ids[i] == ids[j] || ids[i] <= 0) {
-                return false;
-            }
-        }
-    }
-    return true;
+    for (int32_t id : ids)
+        if (id <= 0)
+            return false;
+    return TableKeysUnique(ids, [](int32_t id) { return id; });
 }
 static_assert(IdsUnique(allowedListA) && IdsUnique(allowedListB) && IdsUnique(allowedListC) &&
               IdsUnique(allowedListD) && IdsUnique(allowedListE));
 
-constexpr bool AllowedTypesUnique() {
-    for (std::size_t i = 0; i < kAllowedRows; ++i) {
-        for (std::size_t j = i + 1; j < kAllowedRows; ++j) {
-            if (VidFormatAllowedTable[i].Type == VidFormatAllowedTable[j].Type) {
-                return false;
-            }
-        }
-    }
-    return true;
-}
-static_assert(AllowedTypesUnique());
+static_assert(TableKeysUnique(VidFormatAllowedTable,
+                              [](const VidFormatAllowedRow &r) { return r.Type; }));
 
 } // namespace
 

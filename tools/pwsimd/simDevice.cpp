@@ -3,6 +3,7 @@
 #include "tools/pwsimd/simDevice.h"
 
 #include "Common/OS/osAssert.h"
+#include "Common/OS/tableKeys.h"
 #include "tools/pwsimd/simModes.h"
 
 #include <array>
@@ -25,14 +26,8 @@ constexpr std::array<SimRequestKind, 9> requestKinds{{
 }};
 // clang-format on
 
-constexpr bool opcodesUnique() {
-    for (std::size_t i = 0; i < requestKinds.size(); ++i)
-        for (std::size_t j = i + 1; j < requestKinds.size(); ++j)
-            if (requestKinds[i].Opcode == requestKinds[j].Opcode)
-                return false;
-    return true;
-}
-static_assert(opcodesUnique(), "one row per opcode");
+static_assert(TableKeysUnique(requestKinds, [](const SimRequestKind &k) { return k.Opcode; }),
+              "one row per opcode");
 
 // Totals of common sizes, whatever the rate.
 struct TotalsRow {

@@ -4,6 +4,7 @@
 #include "avc/main/vidFormat.h"
 #include "avc/main/vidTiming.h"
 #include "Common/OS/osAssert.h"
+#include "Common/OS/tableKeys.h"
 
 #include <array>
 
@@ -102,14 +103,8 @@ constexpr std::array<CableRow, 7> cableRows{{
 }};
 // clang-format on
 
-constexpr bool cablesUnique() {
-    for (std::size_t i = 0; i < cableRows.size(); ++i)
-        for (std::size_t j = i + 1; j < cableRows.size(); ++j)
-            if (cableRows[i].PxwCable == cableRows[j].PxwCable)
-                return false;
-    return true;
-}
-static_assert(cablesUnique(), "one row per PxwCable");
+static_assert(TableKeysUnique(cableRows, [](const CableRow &r) { return r.PxwCable; }),
+              "one row per PxwCable");
 
 // The largest value of a 16-bit word of a timing reply.
 constexpr uint32_t maxWord = 0xFFFF;
