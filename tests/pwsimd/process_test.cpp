@@ -47,7 +47,7 @@ const std::vector<Refusal> refusals = {
 
 TEST(PwsimdProcess, RefusesBadCommandLinesWithAMessage) {
     for (const Refusal &r : refusals) {
-        SimRunResult run = SimRun(r.Args);
+        ProgramRun run = SimRun(r.Args);
         std::string args;
         for (const std::string &a : r.Args)
             args += a + " ";
@@ -58,7 +58,7 @@ TEST(PwsimdProcess, RefusesBadCommandLinesWithAMessage) {
 }
 
 TEST(PwsimdProcess, HelpGoesToStandardOutputWithStatusZero) {
-    SimRunResult run = SimRun({"--help"});
+    ProgramRun run = SimRun({"--help"});
     EXPECT_EQ(run.ExitStatus, 0);
     EXPECT_EQ(run.Out.rfind("Usage: pwsimd [OPTION]...\n", 0), 0u) << run.Out;
     EXPECT_EQ(run.Err, "");
@@ -92,7 +92,7 @@ bool hasReader(const std::string &path) {
 TEST(PwsimdProcess, ASecondDaemonOnTheSamePipesIsRefusedAndTouchesNothing) {
     SimProcess first;
     ASSERT_TRUE(SimStart(first, {}));
-    SimRunResult second = SimRun({"--dir", first.Dir});
+    ProgramRun second = SimRun({"--dir", first.Dir});
     EXPECT_EQ(second.ExitStatus, 1);
     EXPECT_NE(second.Err.find("a running daemon holds the pipes in " + first.Dir),
               std::string::npos)
@@ -127,7 +127,7 @@ TEST(PwsimdProcess, RefusesAFileInThePlaceOfAPipe) {
     ASSERT_GE(fd, 0);
     close(fd);
 
-    SimRunResult run = SimRun({"--dir", dir});
+    ProgramRun run = SimRun({"--dir", dir});
     EXPECT_EQ(run.ExitStatus, 1);
     EXPECT_NE(run.Err.find(file + " exists and is not a pipe"), std::string::npos) << run.Err;
     // Nothing was created, and the file is still there.

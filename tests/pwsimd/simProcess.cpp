@@ -26,12 +26,11 @@ constexpr int hangGuardMs = 60000;
 
 constexpr const char *pipeNames[] = {"PWRdCmd", "PWWtCmd", "PWRdDiag", "PWWtDiag"};
 
-// Forks and executes pwsimd with `args`, through the emulator of a cross
-// build: standard output to a fresh pipe and, with `captureErr`, standard
-// error to another; their read ends come back in `outFd` and `errFd` (else
-// -1). -1 when no child could be started.
-pid_t spawn(const std::vector<std::string> &args, bool captureErr, int &outFd, int &errFd) {
-    std::vector<std::string> argv = EmulatedCommandLine(PWSIMD_EMULATOR, PWSIMD_PATH, args);
+// Forks and executes the command line `argv`: standard output to a fresh
+// pipe and, with `captureErr`, standard error to another; their read ends
+// come back in `outFd` and `errFd` (else -1). -1 when no child could be
+// started.
+pid_t spawn(const std::vector<std::string> &argv, bool captureErr, int &outFd, int &errFd) {
     std::vector<char *> cargs;
     for (const std::string &word : argv)
         cargs.push_back(const_cast<char *>(word.c_str()));
@@ -192,7 +191,8 @@ std::string SimPipePath(const std::string &dir, const char *name, int chip) {
     }
     std::vector<std::string> all = args;
     all.insert(all.end(), {"--dir", sim.Dir});
-    sim.Pid = spawn(all, captureStderr, sim.StdoutFd, sim.StderrFd);
+    sim.Pid = spawn(EmulatedCommandLine(PWSIMD_EMULATOR, PWSIMD_PATH, all), captureStderr,
+                    sim.StdoutFd, sim.StderrFd);
     if (sim.Pid < 0)
         return ::testing::AssertionFailure() << "cannot start pwsimd: " << std::strerror(errno);
 
@@ -267,10 +267,11 @@ std::string SimPipePath(const std::string &dir, const char *name, int chip) {
     return ::testing::AssertionSuccess();
 }
 
-SimRunResult SimRun(const std::vector<std::string> &args) {
-    SimRunResult result{-1, {}, {}};
+ProgramRun RunProgram(std::string_view emulator, const std::string &program,
+                      const std::vector<std::string> &args) {
+    ProgramRun result;
     int outFd = -1, errFd = -1;
-    pid_t pid = spawn(args, true, outFd, errFd);
+    pid_t pid = spawn(EmulatedCommandLine(emulator, program, args), true, outFd, errFd);
     if (pid < 0)
         return result;
     if (!drainToEnd(outFd, errFd, result.Out, result.Err))
@@ -281,4 +282,8 @@ SimRunResult SimRun(const std::vector<std::string> &args) {
     closeFd(outFd);
     closeFd(errFd);
     return result;
+}
+
+ProgramRun SimRun(const std::vector<std::string> &args) {
+    return RunProgram(PWSIMD_EMULATOR, PWSIMD_PATH, args);
 }

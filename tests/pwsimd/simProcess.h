@@ -1,4 +1,4 @@
-// Starting pwsimd from tests: in a fresh temporary folder or a given one,
+// Starting pwsimd, and other programs, from tests: in a fresh temporary folder or a given one,
 // waiting for its ready line, reading its trace, stopping it and checking
 // that it removed its pipes. Under a cross build the program is started
 // through the emulator that CMake knows.
@@ -57,12 +57,19 @@ std::string SimPipePath(const std::string &dir, const char *name, int chip);
 // Kills with SIGKILL and waits: the pipes stay behind, as after a crash.
 ::testing::AssertionResult SimKill(SimProcess &sim);
 
-// One run of pwsimd to its end, for refusals and --help.
-struct SimRunResult {
-    int ExitStatus; // -1 if it ended by a signal or could not be started
+// One program run to its end: its exit status and all it printed.
+struct ProgramRun {
+    int ExitStatus = -1; // -1 if it ended by a signal, hung or could not be started
     std::string Out;
     std::string Err;
 };
-SimRunResult SimRun(const std::vector<std::string> &args);
+
+// Runs `program` with `args` behind the words of `emulator` to its end; a
+// guard against a hang kills it after a minute without output.
+ProgramRun RunProgram(std::string_view emulator, const std::string &program,
+                      const std::vector<std::string> &args);
+
+// One run of pwsimd to its end, for refusals and --help.
+ProgramRun SimRun(const std::vector<std::string> &args);
 
 #endif

@@ -3,7 +3,6 @@
 // the requests the simulator received, in order, from its trace.
 #include "tests/pwsimd/simProcess.h"
 #include "tests/pwsimd/toolModes.h"
-#include "toolRun.h"
 
 #include <gtest/gtest.h>
 
@@ -15,6 +14,11 @@
 namespace {
 
 using Words = std::vector<std::string>;
+
+// The real scalerctl, run to its end.
+ProgramRun RunScalerctl(const Words &args) {
+    return RunProgram(SCALERCTL_EMULATOR, SCALERCTL_PATH, args);
+}
 
 // The requests of a trace, each as "op=0xOO words=WWWW,...".
 Words requestsOf(const std::string &trace) {
@@ -32,7 +36,7 @@ Words requestsOf(const std::string &trace) {
 }
 
 struct Outcome {
-    ToolRun Run;
+    ProgramRun Run;
     Words Requests;
 };
 
@@ -132,7 +136,7 @@ TEST(ScalerctlParser, RefusalsAndTheirOrder) {
     for (const ParserRow &row : rows) {
         Words args = {"-p", "/nonexistent/pipes"};
         args.insert(args.end(), row.Args.begin(), row.Args.end());
-        ToolRun run = RunScalerctl(args);
+        ProgramRun run = RunScalerctl(args);
         std::string shown;
         for (const std::string &a : row.Args)
             shown += a + " ";
@@ -198,13 +202,13 @@ TEST(ScalerctlParser, ModesOutsideTheTable) {
                                    "70HZ1600x1200_PAL",  "75HZ1600x1200_NTSC", "75HZ1600x1200_PAL",
                                    "85HZ1600x1200_NTSC", "85HZ1600x1200_PAL",  "auto-ntsc-pal"};
     for (const char *mode : unsupported) {
-        ToolRun run = RunScalerctl({"-p", "/nonexistent/pipes", "-d", "0", "-m", mode});
+        ProgramRun run = RunScalerctl({"-p", "/nonexistent/pipes", "-d", "0", "-m", mode});
         EXPECT_EQ(run.Out,
                   "scalerctl: PixelWorks doesn't support mode '" + std::string(mode) + "'\n");
         EXPECT_EQ(run.ExitStatus, 1) << mode;
     }
     for (const char *mode : untimed) {
-        ToolRun run = RunScalerctl({"-p", "/nonexistent/pipes", "-d", "0", "-m", mode});
+        ProgramRun run = RunScalerctl({"-p", "/nonexistent/pipes", "-d", "0", "-m", mode});
         EXPECT_EQ(run.Out, "scalerctl: mode '" + std::string(mode) + "' not recognized\n");
         EXPECT_EQ(run.ExitStatus, 1) << mode;
     }
@@ -212,7 +216,7 @@ TEST(ScalerctlParser, ModesOutsideTheTable) {
 
 TEST(ScalerctlParser, HelpPrintsTheUsageAndEndsWithStatusOne) {
     for (const Words &args : {Words{"--help"}, Words{"-d", "0", "-r", "-h"}}) {
-        ToolRun run = RunScalerctl(args);
+        ProgramRun run = RunScalerctl(args);
         EXPECT_EQ(run.ExitStatus, 1);
         EXPECT_EQ(run.Out.rfind("usage: scalerctl <option> ... <action> ...\n\n", 0), 0u);
         EXPECT_NE(run.Out.find("Configure the PixelWorks video input processor on Rowan.  Each "
@@ -234,11 +238,11 @@ TEST(ScalerctlParser, HelpPrintsTheUsageAndEndsWithStatusOne) {
 TEST(ScalerctlParser, LinkFailuresAfterTheParser) {
     // Past the parser: the folder is given to the link as it stands.
     std::string fifty(50, 'p');
-    ToolRun tooLong = RunScalerctl({"-p", "/" + fifty.substr(1), "-d", "0", "-r"});
+    ProgramRun tooLong = RunScalerctl({"-p", "/" + fifty.substr(1), "-d", "0", "-r"});
     EXPECT_EQ(tooLong.Out, "scalerctl: init command returned -3\n");
     EXPECT_EQ(tooLong.ExitStatus, 1);
     // "abc" reads as device 0 and passes.
-    ToolRun noDaemon = RunScalerctl({"-p", "/nonexistent", "-d", "abc", "-r"});
+    ProgramRun noDaemon = RunScalerctl({"-p", "/nonexistent", "-d", "abc", "-r"});
     EXPECT_EQ(noDaemon.Out, "scalerctl: open command failed\n");
     EXPECT_EQ(noDaemon.ExitStatus, 1);
     // The link's causes go to the system log, never to the terminal.
@@ -386,7 +390,7 @@ TEST(ScalerctlMode, EveryModeStringSucceedsAgainstTheFollowingOutput) {
     }
     const std::vector<Outcome> outcomes = runSession(runs);
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        const ToolRun &run = outcomes[i].Run;
+        const ProgramRun &run = outcomes[i].Run;
         EXPECT_EQ(run.ExitStatus, 0) << toolModes[i].Text << ": " << run.Out;
         EXPECT_EQ(run.Out.rfind("\nVideo output:\n  Status             = valid\n", 0), 0u)
             << toolModes[i].Text << ": " << run.Out;
