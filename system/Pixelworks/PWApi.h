@@ -58,11 +58,15 @@ typedef struct PWMsg {
  * and change nothing. -3 if the path has more than 49 characters. */
 int PWInit(const char *path);
 /* Opens the pipe pair of a chip's interface: the read pipe, drained of stale
- * bytes, then the write pipe. Null on any failure. */
+ * bytes, then the write pipe. Both must be named pipes. The packets carry no
+ * request number, so the pair is held exclusively, across processes, until
+ * PWReleaseHandle or the end of the process; while another process holds
+ * it, the open reports it in use. Null on any failure. */
 PWHandle *PWOpenHandle(int chip, int interface);
 PWHandle *PWOpenCmdHandle(int chip);
 PWHandle *PWOpenDiagHandle(int chip);
-/* Closes both pipes and frees the record; -3 if the handle is not open. */
+/* Ends the hold, closes both pipes and frees the record; -3 if the handle
+ * is not open. */
 int PWReleaseHandle(PWHandle *handle);
 
 /* Writes one packet: 0, -17 or -18. */

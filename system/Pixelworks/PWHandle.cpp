@@ -1,8 +1,9 @@
 // The handle layer of the link: the pipe folder, the two tables of handles,
-// and opening, draining and releasing a chip's pipe pair.
+// and opening, holding, draining and releasing a chip's pipe pair.
 #include "system/Pixelworks/PWApi.h"
 
 #include "Common/OS/osAssert.h"
+#include "system/Pixelworks/PWPacket.h"
 #include "system/Pixelworks/PWReport.h"
 
 #include <array>
@@ -10,6 +11,8 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -54,18 +57,62 @@ const PWPipeNames &namesFor(int interface) {
     return result;
 }
 
-void reportOpenFailure(const char *path, int error) {
-    char text[100];
-    PWReport(LOG_CRIT, "PWApi: pipe %s open err: %s", path,
-             errorText(strerror_r(error, text, sizeof text), text));
+void reportOpenFailure(const char *path, const char *cause) {
+    PWReport(LOG_CRIT, "PWApi: pipe %s open err: %s", path, cause);
 }
 
-// Throws away what an earlier client left in the read pipe. The descriptor
-// is non-blocking, so this never waits.
+void reportOpenFailure(const char *path, int error) {
+    char text[100];
+    reportOpenFailure(path, errorText(strerror_r(error, text, sizeof text), text));
+}
+
+constexpr const char *notAPipe = "not a named pipe";
+
+// Opens a named pipe, and nothing else: a device such as /dev/zero would
+// never run dry in the drain, and a request written to a regular file would
+// be lost in it. The type is checked before the open, so that no device or
+// file is opened at all, and again on the descriptor, in case the path was
+// replaced in between. -1 after the report.
+int openPipe(const char *path, int flags) {
+    struct stat st {};
+    if (stat(path, &st) != 0) {
+        reportOpenFailure(path, errno);
+        return -1;
+    }
+    if (!S_ISFIFO(st.st_mode)) {
+        reportOpenFailure(path, notAPipe);
+        return -1;
+    }
+    int fd = open(path, flags);
+    if (fd < 0) {
+        reportOpenFailure(path, errno);
+        return -1;
+    }
+    if (fstat(fd, &st) != 0 || !S_ISFIFO(st.st_mode)) {
+        close(fd);
+        reportOpenFailure(path, notAPipe);
+        return -1;
+    }
+    return fd;
+}
+
+// Closes the read pipe and ends the hold on the pair. The lock belongs to
+// the open file description, which a child process may share through an
+// inherited descriptor: it is given up explicitly, not left to the close.
+void closeHeld(int readFd) {
+    flock(readFd, LOCK_UN);
+    close(readFd);
+}
+
+// Throws away what an earlier client left in the read pipe, 100 bytes at a
+// time until a read brings less. The descriptor is non-blocking, so this
+// never waits, and it reads no more than a pipe holds, so it ends even while
+// a writer keeps the pipe full.
 void drain(int fd) {
     char chunk[drainChunk];
-    while (read(fd, chunk, sizeof chunk) == static_cast<ssize_t>(drainChunk)) {
-    }
+    for (std::size_t taken = 0; taken <= pwPipeMostBytes; taken += drainChunk)
+        if (read(fd, chunk, sizeof chunk) != static_cast<ssize_t>(drainChunk))
+            return;
 }
 
 } // namespace
@@ -110,22 +157,41 @@ PWHandle *PWOpenHandle(int chip, int interface) {
         return nullptr;
     }
 
+    // The read pipe is opened for writing as well (on Linux such an open of
+    // a FIFO never waits). The handle is then a writer of its own read pipe
+    // and a read never meets end-of-file: when the daemon has gone, select
+    // waits out the time left instead of reporting the pipe readable at
+    // once, and the receiver sleeps instead of spinning to its deadline.
+    // Nothing is ever written on this descriptor, so what the receiver reads
+    // and when its deadline passes stay as they were.
     char path[pipePathSize];
     std::snprintf(path, sizeof path, "%s/%s%d", pipeFolder, names.reads, chip);
-    handle.ReadFd = open(path, O_RDONLY | O_NONBLOCK);
-    if (handle.ReadFd < 0) {
-        reportOpenFailure(path, errno);
+    handle.ReadFd = openPipe(path, O_RDWR | O_NONBLOCK);
+    if (handle.ReadFd < 0)
+        return nullptr;
+
+    // The packets carry no request number, so one client at a time may use
+    // an interface of a chip: the pair is held with an advisory lock on the
+    // read pipe, across processes, until PWReleaseHandle or the end of the
+    // process. A daemon takes no lock and is never held up by it. The lock
+    // comes before the drain, which would otherwise take the holder's reply.
+    if (flock(handle.ReadFd, LOCK_EX | LOCK_NB) != 0) {
+        int error = errno;
+        close(handle.ReadFd);
+        if (error == EWOULDBLOCK)
+            PWReport(LOG_ERR, "PWApi: %s interface for PW chip %d already in use\n", names.label,
+                     chip);
+        else
+            reportOpenFailure(path, error);
         return nullptr;
     }
     drain(handle.ReadFd);
 
     // Fails with ENXIO unless the daemon holds the pipe open for reading.
     std::snprintf(path, sizeof path, "%s/%s%d", pipeFolder, names.writes, chip);
-    handle.WriteFd = open(path, O_WRONLY | O_NONBLOCK);
+    handle.WriteFd = openPipe(path, O_WRONLY | O_NONBLOCK);
     if (handle.WriteFd < 0) {
-        int error = errno;
-        close(handle.ReadFd);
-        reportOpenFailure(path, error);
+        closeHeld(handle.ReadFd);
         return nullptr;
     }
     handle.Magic = PW_HANDLE_MAGIC;
@@ -146,7 +212,7 @@ int PWReleaseHandle(PWHandle *handle) {
         PWReport(LOG_ERR, "PWApi: invalid PW handle %p\n", static_cast<void *>(handle));
         return PW_ERR_INVALID;
     }
-    close(handle->ReadFd);
+    closeHeld(handle->ReadFd);
     close(handle->WriteFd);
     handle->Magic = 0;
     return PW_OK;

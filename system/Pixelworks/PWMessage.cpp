@@ -45,10 +45,13 @@ ssize_t writeWithoutSigpipe(int fd, const void *data, std::size_t size) {
 }
 
 // Empties the read pipe into the start of the buffer, a buffer-full at a
-// time, until a read brings less.
+// time, until a read brings less, or a pipe-full has been read: a writer
+// that never stops can't hold the receiver past its deadline, which is
+// tested again after this.
 void resynchronise(int fd, uint8_t (&buf)[pwBufferSize]) {
-    while (read(fd, buf, sizeof buf) == static_cast<ssize_t>(sizeof buf)) {
-    }
+    for (std::size_t taken = 0; taken <= pwPipeMostBytes; taken += sizeof buf)
+        if (read(fd, buf, sizeof buf) != static_cast<ssize_t>(sizeof buf))
+            return;
 }
 
 int timeOut(const PWHandle *handle) {
@@ -107,8 +110,10 @@ int PWReceiveMsg(PWHandle *handle, uint32_t timeoutMs, PWMsg *pMsg) {
             return timeOut(handle);
 
         // At most the room left; a full buffer reads 0 bytes and so goes on
-        // to the resynchronisation. A failed read brings no bytes and leaves
-        // the fill position where it was; the bytes held are tested again.
+        // to the resynchronisation. End-of-file never comes: the handle is a
+        // writer of its own read pipe, so with the daemon gone select waits
+        // out the time left. A failed read brings no bytes and leaves the
+        // fill position where it was; the bytes held are tested again.
         ssize_t got = read(handle->ReadFd, buf + held, sizeof buf - held);
         bool resync = got == 0;
         if (got > 0)

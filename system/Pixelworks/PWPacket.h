@@ -25,6 +25,11 @@ constexpr std::size_t pwMaxPacket  = 260; // header and the largest payload
 constexpr uint8_t pwSync0          = 0xBE;
 constexpr uint8_t pwSync1          = 0xEF;
 constexpr uint8_t pwType           = 0x1B;
+// The most a pipe holds unless its owner raised it past the system's default
+// limit (fs.pipe-max-size, 1 MiB). The link's drain at open and its
+// resynchronisation read no more than this at a time, so each ends even while
+// a writer keeps the pipe full.
+constexpr std::size_t pwPipeMostBytes = std::size_t{1} << 20;
 
 // What the bytes held so far amount to, tested in the receiver's order.
 enum class PWScan {

@@ -15,8 +15,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <syslog.h>
 #include <thread>
+#include <time.h>
+#include <unistd.h>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define SANITIZER_OWNS_MALLOC 1
@@ -288,10 +294,25 @@ TEST_F(Link, GoodPacketAfterAResynchronisationEndsTheCallWithZero) {
     ClockSourceSet(nullptr);
 }
 
-TEST_F(Link, AllWritersGoneRunsToTheDeadline) {
-    daemon.closeToClient(); // end-of-file on the client's read pipe from now on
+double secondsOf(clockid_t clock) {
+    timespec now{};
+    clock_gettime(clock, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+// With the daemon's writer gone the call waits out its deadline asleep: its
+// thread's processor time stays far below the time it took, however loaded
+// the machine, where a loop on end-of-file would use the processor throughout.
+TEST_F(Link, DaemonGoneWaitsOutTheDeadlineWithoutSpinning) {
+    daemon.closeToClient();
     PWMsg msg{};
-    EXPECT_EQ(PWReceiveMsg(handle, 30, &msg), PW_ERR_TIMEOUT);
+    const double wallStart = secondsOf(CLOCK_MONOTONIC);
+    const double cpuStart  = secondsOf(CLOCK_THREAD_CPUTIME_ID);
+    EXPECT_EQ(PWReceiveMsg(handle, 300, &msg), PW_ERR_TIMEOUT);
+    const double cpu  = secondsOf(CLOCK_THREAD_CPUTIME_ID) - cpuStart;
+    const double wall = secondsOf(CLOCK_MONOTONIC) - wallStart;
+    EXPECT_GE(wall, 0.29) << "ended before its deadline";
+    EXPECT_LT(cpu, wall / 2) << "processor " << cpu << " s in " << wall << " s";
     std::vector<Report> seen = reports.take();
     ASSERT_EQ(seen.size(), 1u);
     EXPECT_TRUE(isTimeoutReport(seen[0], 0));
@@ -353,6 +374,45 @@ TEST_F(Link, StaleBytesAreDrainedAtOpen) {
     EXPECT_TRUE(reports.take().empty());
 }
 
+// The pair is held across processes. Another holder (here a lock taken on
+// a description of the read pipe of our own, as another process's link takes
+// it) gets the open refused before the drain, so the reply it waits for stays
+// in the pipe; and a release ends the hold even while a child process still
+// shares the handle's descriptors.
+TEST_F(Link, ThePairIsHeldUntilReleased) {
+    const std::string readPipe = linkFolder().pipe("PWRdCmd", 0);
+    int other                  = open(readPipe.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(other, 0);
+    EXPECT_NE(flock(other, LOCK_EX | LOCK_NB), 0) << "the open handle holds the pair";
+
+    int gate[2];
+    ASSERT_EQ(pipe(gate), 0);
+    pid_t child = fork();
+    if (child == 0) { // keeps its copies of the handle's descriptors until the gate closes
+        close(gate[1]);
+        char byte;
+        [[maybe_unused]] ssize_t n = read(gate[0], &byte, 1);
+        _exit(0);
+    }
+    ASSERT_GT(child, 0);
+    close(gate[0]);
+    EXPECT_EQ(PWReleaseHandle(handle), PW_OK);
+    EXPECT_EQ(flock(other, LOCK_EX | LOCK_NB), 0) << "still held through the child's descriptor";
+    close(gate[1]);
+    waitpid(child, nullptr, 0);
+
+    const std::vector<uint8_t> othersReply = packetOf(0x23, {1}, PW_INTERFACE_CMD);
+    daemon.send(othersReply);
+    EXPECT_EQ(PWOpenCmdHandle(0), nullptr);
+    EXPECT_EQ(
+        reports.take(),
+        (std::vector<Report>{{LOG_ERR, "PWApi: Cmd interface for PW chip 0 already in use\n"}}));
+    EXPECT_EQ(daemon.pending(), static_cast<int>(othersReply.size()));
+    close(other);
+    handle = PWOpenCmdHandle(0);
+    EXPECT_NE(handle, nullptr) << "free again once the other holder has gone";
+}
+
 struct OpenRefusal {
     int chip;
     int interface;
@@ -369,6 +429,14 @@ TEST_F(Link, RefusedOpensSayWhy) {
     const std::string missing = folder.pipe("PWRdDiag", 2);
     ASSERT_EQ(unlink(missing.c_str()), 0);
     const std::string noReader = folder.pipe("PWWtCmd", 2);
+    // Chip 1: a device in place of the Cmd read pipe, a regular file in
+    // place of the Diag write pipe.
+    const std::string device = folder.pipe("PWRdCmd", 1);
+    const std::string file   = folder.pipe("PWWtDiag", 1);
+    ASSERT_EQ(unlink(device.c_str()), 0);
+    ASSERT_EQ(symlink("/dev/zero", device.c_str()), 0);
+    ASSERT_EQ(unlink(file.c_str()), 0);
+    ASSERT_EQ(close(open(file.c_str(), O_WRONLY | O_CREAT, 0600)), 0);
     // clang-format off
     // Chip and interface of the open, and its report
     const OpenRefusal refusals[] = {
@@ -379,6 +447,8 @@ TEST_F(Link, RefusedOpensSayWhy) {
         {0,   PW_INTERFACE_DIAG, {LOG_ERR,  "PWApi: Diag interface for PW chip 0 already in use\n"}},
         {2,   PW_INTERFACE_CMD,  {LOG_CRIT, "PWApi: pipe " + noReader + " open err: No such device or address"}},
         {2,   PW_INTERFACE_DIAG, {LOG_CRIT, "PWApi: pipe " + missing + " open err: No such file or directory"}},
+        {1,   PW_INTERFACE_CMD,  {LOG_CRIT, "PWApi: pipe " + device + " open err: not a named pipe"}},
+        {1,   PW_INTERFACE_DIAG, {LOG_CRIT, "PWApi: pipe " + file + " open err: not a named pipe"}},
     };
     // clang-format on
     for (const OpenRefusal &r : refusals) {
@@ -387,7 +457,10 @@ TEST_F(Link, RefusedOpensSayWhy) {
         EXPECT_EQ(openDescriptors(), before) << r.report.text;
         EXPECT_EQ(reports.take(), std::vector<Report>{r.report});
     }
-    ASSERT_EQ(mkfifo(missing.c_str(), 0600), 0);
+    for (const std::string &path : {device, file})
+        ASSERT_EQ(unlink(path.c_str()), 0);
+    for (const std::string &path : {missing, device, file})
+        ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     PWMsg msg{};
     msg.Opcode = 1;
     EXPECT_EQ(PWSendMsg(handle, &msg), PW_OK);
