@@ -1,5 +1,5 @@
 // pwsimd as a program: its refusals, its help, a second daemon on the same
-// pipes, stale pipes after a crash, cleanup on a stop signal, and the trace
+// pipes, stale pipes after a crash, cleanup on each stop signal, and the trace
 // lines of its replies, which the end-to-end tests don't read.
 #include "system/Pixelworks/PWApi.h"
 #include "tests/pwsimd/simProcess.h"
@@ -38,7 +38,10 @@ const std::vector<Refusal> refusals = {
     {{"--fault", "late=10@1@2"},          "chip must be 0, 1 or 2"},
     {{"--fault", ""},                     "unknown fault ''"},
     {{"--frobnicate"},                    "unknown option '--frobnicate'"},
+    {{"--trace", "-zt"},                  "unknown option '-z'"},
+    {{"--trace=1"},                       "option '--trace' takes no value"},
     {{"--dir"},                           "option '--dir' needs a value"},
+    {{"-td"},                             "option '-d' needs a value"},
     {{"stray"},                           "unexpected argument 'stray'"},
     {{"--dir", "/nonexistent/pws"},       "no folder /nonexistent/pws"},
     {{"--dir", "/tmp/" + std::string(45, 'x')}, "is too long: 50 characters, at most 49"},
@@ -136,8 +139,8 @@ TEST(PwsimdProcess, RefusesAFileInThePlaceOfAPipe) {
     EXPECT_EQ(rmdir(dir.c_str()), 0);
 }
 
-TEST(PwsimdProcess, RemovesItsPipesOnSigtermAndSigint) {
-    for (int signal : {SIGTERM, SIGINT}) {
+TEST(PwsimdProcess, RemovesItsPipesOnEachStopSignal) {
+    for (int signal : {SIGTERM, SIGINT, SIGHUP}) {
         SimProcess sim;
         ASSERT_TRUE(SimStart(sim, {}));
         // A client that still holds its pipes doesn't keep them alive.

@@ -1,5 +1,5 @@
 // pwsimd, the PixelWorks daemon simulator: options, pipes, signals, the
-// ready line, and the serving loop until SIGINT or SIGTERM.
+// ready line, and the serving loop until SIGINT, SIGTERM or SIGHUP.
 #include "tools/pwsimd/simOptions.h"
 #include "tools/pwsimd/simPipes.h"
 #include "tools/pwsimd/simServer.h"
@@ -41,10 +41,11 @@ bool installSignals(int stopFds[2], char *error, std::size_t size) {
     struct sigaction ignore {};
     ignore.sa_handler = SIG_IGN;
     sigemptyset(&ignore.sa_mask);
-    // A reply pipe never loses its reader (we hold one), but a write must
-    // never end the daemon.
+    // A hang-up (its terminal closed) stops it like an interrupt, with the
+    // pipes removed. A reply pipe never loses its reader (we hold one), but
+    // a write must never end the daemon.
     if (sigaction(SIGINT, &stop, nullptr) != 0 || sigaction(SIGTERM, &stop, nullptr) != 0 ||
-        sigaction(SIGPIPE, &ignore, nullptr) != 0) {
+        sigaction(SIGHUP, &stop, nullptr) != 0 || sigaction(SIGPIPE, &ignore, nullptr) != 0) {
         std::snprintf(error, size, "cannot install signal handlers: %s", std::strerror(errno));
         return false;
     }

@@ -16,8 +16,8 @@ constexpr const char helpText[] =
     "Usage: pwsimd [OPTION]...\n"
     "Simulates the PixelWorks daemon: creates the pipe pairs PWRdCmdN/PWWtCmdN and\n"
     "PWRdDiagN/PWWtDiagN of chips 0 to 2 in a folder and answers the requests of the\n"
-    "link on them, for any number of successive clients. SIGINT or SIGTERM removes\n"
-    "the pipes and ends it with status 0.\n"
+    "link on them, for any number of successive clients. SIGINT, SIGTERM or SIGHUP\n"
+    "removes the pipes and ends it with status 0.\n"
     "Each chip follows the requests: after set output mode, query output reports the\n"
     "timing of that mode; after set cable (and the set gain/offset that follows it),\n"
     "query input reports the status of that input. A reset forgets both.\n"
@@ -62,8 +62,8 @@ constexpr const char helpText[] =
     "nothing is sent.\n"
     "A late reply's rep line comes when it is written.\n"
     "\n"
-    "Exit status: 0 after SIGINT or SIGTERM or --help; 1 for a bad option, a missing\n"
-    "folder, a folder too long, or pipes that a running daemon holds.\n";
+    "Exit status: 0 after SIGINT, SIGTERM, SIGHUP or --help; 1 for a bad option, a\n"
+    "missing folder, a folder too long, or pipes that a running daemon holds.\n";
 
 // clang-format off
 constexpr option longOptions[] = {
@@ -77,6 +77,30 @@ constexpr option longOptions[] = {
     {nullptr,    0,                 nullptr, 0},
 };
 // clang-format on
+
+// True if `letter` is the letter of one of the options.
+bool isOptionLetter(int letter) {
+    for (const option &o : longOptions)
+        if (o.name != nullptr && o.val == letter)
+            return true;
+    return false;
+}
+
+// Names the option that getopt_long has just refused, as the user wrote it:
+// a long one as the word before optind without its value ("--trace=1"), a
+// letter alone as "-z". The word before optind is no name for a letter: in a
+// word of several ("-zt") optind may still stand on that word. getopt_long
+// leaves the letter in optopt.
+const char *refusedOption(bool isLong, const char *word, char *buf, std::size_t size) {
+    if (isLong) {
+        std::string_view name = word;
+        name                  = name.substr(0, name.find('='));
+        std::snprintf(buf, size, "%.*s", static_cast<int>(name.size()), name.data());
+    } else {
+        std::snprintf(buf, size, "-%c", optopt);
+    }
+    return buf;
+}
 
 // A number 0 to 65535, decimal, 0x hex or 0 octal, with nothing behind it.
 bool parseFirmware(const char *text, uint16_t &value) {
@@ -154,12 +178,27 @@ bool SimParseOptions(int argc, char **argv, SimOptions &options, char *error,
         case 'h':
             options.Help = true;
             break;
-        case ':':
-            std::snprintf(error, errorSize, "option '%s' needs a value", argv[optind - 1]);
+        case ':': {
+            // Also a long option: then optopt holds its letter.
+            const char *word = argv[optind - 1];
+            bool isLong      = word[0] == '-' && word[1] == '-';
+            char name[80];
+            std::snprintf(error, errorSize, "option '%s' needs a value",
+                          refusedOption(isLong, word, name, sizeof name));
             return false;
-        default:
-            std::snprintf(error, errorSize, "unknown option '%s'", argv[optind - 1]);
+        }
+        default: {
+            // optopt is 0 for an unknown long option, the letter of a known
+            // long option given a value, or an unknown letter.
+            char name[80];
+            if (optopt != 0 && isOptionLetter(optopt))
+                std::snprintf(error, errorSize, "option '%s' takes no value",
+                              refusedOption(true, argv[optind - 1], name, sizeof name));
+            else
+                std::snprintf(error, errorSize, "unknown option '%s'",
+                              refusedOption(optopt == 0, argv[optind - 1], name, sizeof name));
             return false;
+        }
         }
     }
     if (optind < argc) {
