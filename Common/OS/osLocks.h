@@ -1,0 +1,33 @@
+// The OS layer's global locks and the guard that holds one for a scope.
+#ifndef COMMON_OS_OSLOCKS_H
+#define COMMON_OS_OSLOCKS_H
+
+#include <pthread.h>
+
+// The locks, usable in their static state before os_init_locks; the order in
+// which they may be taken is written beside their definitions.
+pthread_mutex_t *osInterruptLock();
+pthread_mutex_t *osTimerLock();
+pthread_mutex_t *osTcbLock();
+
+// Holds a mutex for a scope. Tasks die by cancellation, and glibc unwinds
+// C++ frames when a cancelled thread acts on it: the destructor releases the
+// lock then too, so a section may contain a cancellation point. Only the
+// unlock runs in the destructor, which is no cancellation point.
+class OsLockHold {
+  public:
+    explicit OsLockHold(pthread_mutex_t *mutex) : lock(mutex) { pthread_mutex_lock(mutex); }
+    ~OsLockHold() { pthread_mutex_unlock(lock); }
+    OsLockHold(const OsLockHold &)            = delete;
+    OsLockHold &operator=(const OsLockHold &) = delete;
+
+  private:
+    pthread_mutex_t *lock;
+};
+
+// 1 when the thread library is NPTL (the start value); written only by the
+// OS start's probe, before any task runs, and read without a lock.
+int osIsNptlGet();
+void osIsNptlSet(int nptl);
+
+#endif
