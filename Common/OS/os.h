@@ -33,6 +33,7 @@ extern "C" {
 #define ERR_NOTFOUND 9  /* no such task; a semaphore identifier without its mark */
 #define ERR_NOTCB 14    /* no task record: none could be had, or none to act on */
 #define ERR_NOEVENTS 60 /* EV_NOWAIT and the wanted events are not there */
+#define ERR_NOTIMER 61  /* the pool of 50 timers is empty */
 #define ERR_NOSEM 65    /* no semaphore could be created */
 #define ERR_SEMBUSY 66  /* the semaphore is taken ('B', busy), under SM_NOWAIT */
 
@@ -49,7 +50,21 @@ extern "C" {
  * record. The fields are shown so that programs and tests can read them;
  * only the layer writes them. */
 
-typedef struct Timer Timer;
+/* A timer's callback: its argument word; 0 to end the timer, non-zero to
+ * run again after its reload. */
+typedef int32_t (*TimerCallback)(uintptr_t arg);
+
+/* One timer of the static pool of TIMER_POOL_SIZE, known by its address. */
+#define TIMER_POOL_SIZE 50
+typedef struct Timer {
+    struct Tcb *task;       /* the task that started it; event timers post to it */
+    uint32_t remaining;     /* ticks until it fires */
+    uint32_t reload;        /* remaining after firing; 0 for a one-shot event timer */
+    uint32_t events;        /* bits an event timer posts */
+    TimerCallback callback; /* null for an event timer */
+    uintptr_t arg;          /* the callback's argument */
+    struct Timer *next;     /* link in the list that holds it */
+} Timer;
 
 /* The function of a task: four argument words, its result is ignored. */
 typedef void (*TaskEntry)(uint32_t, uint32_t, uint32_t, uint32_t);
@@ -194,6 +209,76 @@ int sm_p(Semaphore *id, uint32_t flags, uint32_t timeout);
 int sm_v(Semaphore *id);
 /* Destroys and frees the semaphore. 0 or ERR_NOTFOUND. Any thread, once. */
 int sm_delete(Semaphore *id);
+
+/* ---- Events -------------------------------------------------------------------
+ * Each task has a 32-bit event word. Anyone posts bits to it; only the task
+ * itself waits for them. Bits don't count: a bit sent twice is one bit. */
+
+/* Sets `bits` in the task's event word and wakes it if it waits. 0, or the
+ * error number of the wake-up. `tcb` must be a task. Any thread. */
+int ev_send(Tcb *tcb, uint32_t bits);
+/* Waits for all of `wanted` (any of them with EV_ANY), at once with
+ * EV_NOWAIT, for ever with a timeout of 0, or for `timeout` ticks; stores the
+ * bits received in `out` and clears them. A `wanted` of 0 stores the whole
+ * word and clears nothing. 0; ERR_TIMEOUT when the time ran out (nothing is
+ * stored or cleared); ERR_NOEVENTS under EV_NOWAIT; ERR_NOTASK when the caller
+ * is no task; ERR_NOTIMER at once when a timed wait can't get a timer. Task;
+ * never from a timer callback. */
+int ev_receive(uint32_t wanted, uint32_t flags, uint32_t timeout, uint32_t *out);
+/* The bits of `word` that satisfy `wanted` under `flags`, or 0. Any thread. */
+uint32_t ev_match(uint32_t word, uint32_t wanted, uint32_t flags);
+/* Ends the timed wait of `tcb`: the callback of that wait's timer, run by the
+ * timer task. Returns 0. Not for applications. */
+int32_t ev_receive_timeout(Tcb *tcb);
+/* One relaxed atomic OR or AND on `word`; the new value. Any thread. */
+uint32_t AtomicOr(uint32_t *word, uint32_t bits);
+uint32_t AtomicAnd(uint32_t *word, uint32_t bits);
+
+/* ---- Timers -------------------------------------------------------------------
+ * Durations are ticks of 10 ms, counted by the task "tmtk" at priority 66. A
+ * timer of n ticks fires at the n-th tick after its start; 0 ticks wraps and
+ * waits 2^32 ticks. A timer belongs to the task that started it: deleting the
+ * task cancels its timers, and only that task can cancel them. A callback
+ * runs on the timer task with the timer lists locked: it must not call any
+ * timer or event-wait operation, nor delete a task. */
+
+/* Sets up the pool and starts "tmtk" (at priority 0 when 66 is refused, with
+ * a line at LogCrit); once, later calls do nothing. Any thread. */
+void tm_init(void);
+/* The task function of "tmtk": ticks for ever. */
+void tm_task(uint32_t, uint32_t, uint32_t, uint32_t);
+/* One tick: counts every active timer down and fires those that reach 0.
+ * Only the timer task (or a test driving ticks by hand). */
+void tm_tick(void);
+/* A zeroed record taken from the pool, or null with "AllocTimer failed" at
+ * LogCrit. Any thread. */
+Timer *AllocTimer(void);
+/* Puts a record back in the pool; one that is null or free already is only
+ * logged. Any thread. */
+void FreeTimer(Timer *pTimer);
+/* Appends an allocated record to the active list. Any thread. */
+void InsertTimer(Timer *timer);
+/* Takes a record off the active list and frees it, or prints
+ * "RemoveTimer: %p not found". Any thread. */
+void RemoveTimer(Timer *pTimer);
+/* Starts an event timer that posts `bits` to the calling task after `ticks`,
+ * once (oneShot not 0) or every `ticks`; stores the handle in `out`. 0;
+ * ERR_NOTASK from a thread that is no task, ERR_NOTIMER when the pool is
+ * empty; both store null. Task. */
+int tm_evstart(uint32_t ticks, uint32_t bits, Timer **out, uint32_t oneShot);
+int tm_evafter(uint32_t ticks, uint32_t bits, Timer **out);
+int tm_evevery(uint32_t ticks, uint32_t bits, Timer **out);
+/* Starts a timer that runs `callback(arg)` after `ticks`, and again every
+ * `ticks` while it returns non-zero. 0, or ERR_NOTIMER with null stored. Any
+ * thread. */
+int tm_cbafter(uint32_t ticks, Timer **out, TimerCallback callback, uintptr_t arg);
+/* Stops a timer started by the calling task (or, from a thread that is no
+ * task, by such a thread). A handle that is no longer active, or that now
+ * denotes a timer someone else started, prints "RemoveTimer: %p not found"
+ * and changes nothing. Returns 0. Any thread. */
+int tm_cancel(Timer *timer);
+/* Sleeps `ticks` ticks without a timer. Returns 0. Any thread. */
+int tm_wkafter(uint32_t ticks);
 
 /* ---- Clocks ------------------------------------------------------------------
  * Callable from any thread. */

@@ -10,16 +10,26 @@ pthread_mutex_t *osInterruptLock();
 pthread_mutex_t *osTimerLock();
 pthread_mutex_t *osTcbLock();
 
-// Holds a mutex for a scope. Tasks die by cancellation, and glibc unwinds
-// C++ frames when a cancelled thread acts on it: the destructor releases the
-// lock then too, so a section may contain a cancellation point. Only the
-// unlock runs in the destructor, which is no cancellation point.
+// Holds a mutex for a scope (none when given null). Tasks die by
+// cancellation, and glibc unwinds C++ frames when a cancelled thread acts on
+// it: the destructor releases the lock then too, so a section may contain a
+// cancellation point. Only the unlock runs in the destructor, which is no
+// cancellation point.
 class OsLockHold {
   public:
-    explicit OsLockHold(pthread_mutex_t *mutex) : lock(mutex) { pthread_mutex_lock(mutex); }
-    ~OsLockHold() { pthread_mutex_unlock(lock); }
+    explicit OsLockHold(pthread_mutex_t *mutex) : lock(mutex) {
+        if (lock != nullptr)
+            pthread_mutex_lock(lock);
+    }
+    ~OsLockHold() { release(); }
     OsLockHold(const OsLockHold &)            = delete;
     OsLockHold &operator=(const OsLockHold &) = delete;
+    // Releases the lock before the end of the scope.
+    void release() {
+        if (lock != nullptr)
+            pthread_mutex_unlock(lock);
+        lock = nullptr;
+    }
 
   private:
     pthread_mutex_t *lock;

@@ -5,6 +5,7 @@
 #include "Common/OS/osAssert.h"
 #include "Common/OS/osLocks.h"
 #include "Common/OS/tcbRegistry.h"
+#include "Common/OS/timerInternal.h"
 
 #include <array>
 #include <atomic>
@@ -382,9 +383,11 @@ extern "C" int t_delete(Tcb *tcb) {
     return taskDelete(tcb, TaskExit::exitThread);
 }
 
-// The record leaves the registry before its locks are destroyed, so that no
+// The record's timers stop first, so that none touches it once it is freed;
+// then it leaves the registry before its locks are destroyed, so that no
 // lookup hands out a record whose mutex is gone.
 extern "C" void DestroyTcb(Tcb *tcb) {
+    timerCancelForTask(tcb);
     RemoveTcb(tcb);
     pthread_mutex_destroy(&tcb->mutex);
     pthread_cond_destroy(&tcb->cond);
