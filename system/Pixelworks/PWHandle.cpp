@@ -3,7 +3,8 @@
 #include "system/Pixelworks/PWApi.h"
 
 #include "Common/OS/osAssert.h"
-#include "system/Pixelworks/PWPacket.h"
+#include "system/Pixelworks/PWPipe.h"
+#include "system/Pixelworks/PWProtocol.h"
 #include "system/Pixelworks/PWReport.h"
 
 #include <array>
@@ -20,33 +21,13 @@ namespace {
 
 using PWHandleTable = std::array<PWHandle, PW_MAX_CHIPS>;
 
-// Pipe names by interface, from the client's side.
-struct PWPipeNames {
-    int interface;
-    const char *label; // word of the in-use report
-    const char *reads;
-    const char *writes;
-};
-
-// clang-format off
-constexpr std::array<PWPipeNames, 2> pipeNames{{
-    {PW_INTERFACE_CMD,  "Cmd",  "PWRdCmd",  "PWWtCmd"},
-    {PW_INTERFACE_DIAG, "Diag", "PWRdDiag", "PWWtDiag"},
-}};
-// clang-format on
-
-// A path is "%s/%s%d": at most 49 + 1 + 8 + 1 characters.
-constexpr std::size_t pipePathSize = PW_PATH_MAX + 11;
-constexpr std::size_t drainChunk   = 100;
+// What an earlier client left is read in pieces of this size at open.
+constexpr std::size_t drainChunk = 100;
 
 bool pwInitialised = false;
 PWHandleTable cmdHandles{};
 PWHandleTable diagHandles{};
 char pipeFolder[PW_PATH_MAX + 1];
-
-const PWPipeNames &namesFor(int interface) {
-    return interface == PW_INTERFACE_CMD ? pipeNames[0] : pipeNames[1];
-}
 
 // strerror_r comes in two forms; either way the text ends up in `buf` or is
 // returned.
@@ -104,18 +85,13 @@ void closeHeld(int readFd) {
     close(readFd);
 }
 
-// Throws away what an earlier client left in the read pipe, 100 bytes at a
-// time until a read brings less. The descriptor is non-blocking, so this
-// never waits, and it reads no more than a pipe holds, so it ends even while
-// a writer keeps the pipe full.
-void drain(int fd) {
-    char chunk[drainChunk];
-    for (std::size_t taken = 0; taken <= pwPipeMostBytes; taken += drainChunk)
-        if (read(fd, chunk, sizeof chunk) != static_cast<ssize_t>(drainChunk))
+} // namespace
+
+void PWDrainPipe(int fd, uint8_t *chunk, std::size_t size) {
+    for (std::size_t taken = 0; taken <= pwPipeMostBytes; taken += size)
+        if (read(fd, chunk, size) != static_cast<ssize_t>(size))
             return;
 }
-
-} // namespace
 
 extern "C" {
 
@@ -148,12 +124,12 @@ PWHandle *PWOpenHandle(int chip, int interface) {
         return nullptr;
     }
     OS_ASSERT(interface == PW_INTERFACE_CMD || interface == PW_INTERFACE_DIAG);
-    const PWPipeNames &names = namesFor(interface);
+    const PWPipeNames &names = PWPipeNamesOf(interface);
     PWHandle &handle =
         (interface == PW_INTERFACE_CMD ? cmdHandles : diagHandles)[static_cast<unsigned>(chip)];
     handle.Interface = interface;
     if (handle.Magic == PW_HANDLE_MAGIC) {
-        PWReport(LOG_ERR, "PWApi: %s interface for PW chip %d already in use\n", names.label, chip);
+        PWReport(LOG_ERR, "PWApi: %s interface for PW chip %d already in use\n", names.Label, chip);
         return nullptr;
     }
 
@@ -164,8 +140,8 @@ PWHandle *PWOpenHandle(int chip, int interface) {
     // once, and the receiver sleeps instead of spinning to its deadline.
     // Nothing is ever written on this descriptor, so what the receiver reads
     // and when its deadline passes stay as they were.
-    char path[pipePathSize];
-    std::snprintf(path, sizeof path, "%s/%s%d", pipeFolder, names.reads, chip);
+    char path[pwPipePathSize];
+    PWPipePath(path, pipeFolder, names.ClientReads, chip);
     handle.ReadFd = openPipe(path, O_RDWR | O_NONBLOCK);
     if (handle.ReadFd < 0)
         return nullptr;
@@ -179,16 +155,17 @@ PWHandle *PWOpenHandle(int chip, int interface) {
         int error = errno;
         close(handle.ReadFd);
         if (error == EWOULDBLOCK)
-            PWReport(LOG_ERR, "PWApi: %s interface for PW chip %d already in use\n", names.label,
+            PWReport(LOG_ERR, "PWApi: %s interface for PW chip %d already in use\n", names.Label,
                      chip);
         else
             reportOpenFailure(path, error);
         return nullptr;
     }
-    drain(handle.ReadFd);
+    uint8_t stale[drainChunk];
+    PWDrainPipe(handle.ReadFd, stale, sizeof stale);
 
     // Fails with ENXIO unless the daemon holds the pipe open for reading.
-    std::snprintf(path, sizeof path, "%s/%s%d", pipeFolder, names.writes, chip);
+    PWPipePath(path, pipeFolder, names.ClientWrites, chip);
     handle.WriteFd = openPipe(path, O_WRONLY | O_NONBLOCK);
     if (handle.WriteFd < 0) {
         closeHeld(handle.ReadFd);

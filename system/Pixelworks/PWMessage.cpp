@@ -6,6 +6,7 @@
 #include "Common/OS/os.h"
 #include "Common/OS/osAssert.h"
 #include "system/Pixelworks/PWPacket.h"
+#include "system/Pixelworks/PWPipe.h"
 #include "system/Pixelworks/PWReport.h"
 
 #include <cerrno>
@@ -42,16 +43,6 @@ ssize_t writeWithoutSigpipe(int fd, const void *data, std::size_t size) {
     }
     pthread_sigmask(SIG_SETMASK, &oldSet, nullptr);
     return written;
-}
-
-// Empties the read pipe into the start of the buffer, a buffer-full at a
-// time, until a read brings less, or a pipe-full has been read: a writer
-// that never stops can't hold the receiver past its deadline, which is
-// tested again after this.
-void resynchronise(int fd, uint8_t (&buf)[pwBufferSize]) {
-    for (std::size_t taken = 0; taken <= pwPipeMostBytes; taken += sizeof buf)
-        if (read(fd, buf, sizeof buf) != static_cast<ssize_t>(sizeof buf))
-            return;
 }
 
 int timeOut(const PWHandle *handle) {
@@ -131,7 +122,7 @@ int PWReceiveMsg(PWHandle *handle, uint32_t timeoutMs, PWMsg *pMsg) {
                 break;
             case PWScan::badCrc:
                 PWReport(LOG_WARNING, "PWApi: CRC error; chip = %d, opcode = %p\n", handle->Chip,
-                         reinterpret_cast<void *>(static_cast<uintptr_t>(buf[6])));
+                         reinterpret_cast<void *>(static_cast<uintptr_t>(buf[pwOpcodeOffset])));
                 break;
             case PWScan::good:
                 // Bytes held behind the packet are dropped.
@@ -139,12 +130,14 @@ int PWReceiveMsg(PWHandle *handle, uint32_t timeoutMs, PWMsg *pMsg) {
                 return PW_OK;
             }
         }
-        // Resynchronise: empty the pipe, then start again with an empty
-        // buffer. Setting the count of bytes held back to zero keeps every
-        // later read inside the 264 bytes and lets the next good packet be
-        // found at the start of the buffer, so it still ends the call with 0
-        // if it comes before the deadline.
-        resynchronise(handle->ReadFd, buf);
+        // Resynchronise: empty the pipe, a buffer-full at a time, then start
+        // again with an empty buffer. Setting the count of bytes held back to
+        // zero keeps every later read inside the 264 bytes and lets the next
+        // good packet be found at the start of the buffer, so it still ends
+        // the call with 0 if it comes before the deadline. The drain stops
+        // after a pipe-full: a writer that never stops can't hold the
+        // receiver past its deadline, which is tested again next.
+        PWDrainPipe(handle->ReadFd, buf, sizeof buf);
         held = 0;
     }
 }

@@ -8,8 +8,6 @@ namespace {
 
 constexpr std::size_t crcOffset  = 2;
 constexpr std::size_t typeOffset = 4;
-constexpr std::size_t sizeOffset = 5;
-constexpr std::size_t opOffset   = 6;
 constexpr std::size_t ifOffset   = 7;
 
 void putWordLowFirst(uint8_t *p, uint16_t w) {
@@ -34,18 +32,18 @@ uint16_t PWPacketCrc(const uint8_t *packet, std::size_t total) {
 }
 
 std::size_t PWPacketEncode(const PWMsg &msg, int interface, uint8_t (&out)[pwBufferSize]) {
-    std::size_t words  = msg.Length / 2u;
-    out[0]             = pwSync0;
-    out[1]             = pwSync1;
-    out[crcOffset]     = 0;
-    out[crcOffset + 1] = 0;
-    out[typeOffset]    = pwType;
-    out[sizeOffset]    = static_cast<uint8_t>(msg.Length + 2);
-    out[opOffset]      = msg.Opcode;
-    out[ifOffset]      = static_cast<uint8_t>(interface);
+    std::size_t words   = msg.Length / 2u;
+    out[0]              = pwSync0;
+    out[1]              = pwSync1;
+    out[crcOffset]      = 0;
+    out[crcOffset + 1]  = 0;
+    out[typeOffset]     = pwType;
+    out[pwSizeOffset]   = PWPacketSizeByte(msg.Length);
+    out[pwOpcodeOffset] = msg.Opcode;
+    out[ifOffset]       = static_cast<uint8_t>(interface);
     for (std::size_t i = 0; i < words; ++i)
         putWordLowFirst(out + pwHeaderSize + 2 * i, msg.Payload[i]);
-    std::size_t total  = out[sizeOffset] + 6u;
+    std::size_t total  = PWPacketTotal(out[pwSizeOffset]);
     uint16_t crc       = PWPacketCrc(out, total);
     out[crcOffset]     = static_cast<uint8_t>(crc >> 8);
     out[crcOffset + 1] = static_cast<uint8_t>(crc);
@@ -59,7 +57,7 @@ PWScan PWPacketScan(const uint8_t *buf, std::size_t held, int interface) {
         return PWScan::incomplete;
     if (buf[ifOffset] != static_cast<uint8_t>(interface))
         return PWScan::otherInterface;
-    std::size_t total = buf[sizeOffset] + 6u;
+    std::size_t total = PWPacketTotal(buf[pwSizeOffset]);
     if (held < total)
         return PWScan::incomplete;
     // A Size below 2 leaves no room for Opcode and Interface and would give
@@ -77,8 +75,8 @@ uint16_t PWPacketSyncWord(const uint8_t *buf, std::size_t held) {
 }
 
 void PWPacketDecode(const uint8_t *packet, PWMsg &msg) {
-    msg.Opcode        = packet[opOffset];
-    msg.Length        = static_cast<uint8_t>(packet[sizeOffset] - 2);
+    msg.Opcode        = packet[pwOpcodeOffset];
+    msg.Length        = static_cast<uint8_t>(packet[pwSizeOffset] - 2);
     std::size_t words = msg.Length / 2u;
     for (std::size_t i = 0; i < words; ++i)
         msg.Payload[i] = wordLowFirst(packet + pwHeaderSize + 2 * i);

@@ -15,21 +15,14 @@
 #define SYSTEM_PIXELWORKS_PWPACKET_H
 
 #include "system/Pixelworks/PWApi.h"
+#include "system/Pixelworks/PWProtocol.h"
 
 #include <cstddef>
 #include <cstdint>
 
-constexpr std::size_t pwBufferSize = 264; // working buffer of sender and receiver
-constexpr std::size_t pwHeaderSize = 8;   // bytes before the payload
-constexpr std::size_t pwMaxPacket  = 260; // header and the largest payload
-constexpr uint8_t pwSync0          = 0xBE;
-constexpr uint8_t pwSync1          = 0xEF;
-constexpr uint8_t pwType           = 0x1B;
-// The most a pipe holds unless its owner raised it past the system's default
-// limit (fs.pipe-max-size, 1 MiB). The link's drain at open and its
-// resynchronisation read no more than this at a time, so each ends even while
-// a writer keeps the pipe full.
-constexpr std::size_t pwPipeMostBytes = std::size_t{1} << 20;
+constexpr uint8_t pwSync0 = 0xBE;
+constexpr uint8_t pwSync1 = 0xEF;
+constexpr uint8_t pwType  = 0x1B;
 
 // What the bytes held so far amount to, tested in the receiver's order.
 enum class PWScan {

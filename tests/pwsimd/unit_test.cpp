@@ -61,9 +61,9 @@ const TimingRow goodTimings[] = {
 
 TEST(PwsimdTiming, ReadsSizeAndRateWithTotals) {
     for (const TimingRow &row : goodTimings) {
-        SimTiming t{};
+        PWTimingInfo t{};
         ASSERT_TRUE(SimParseTiming(row.Text, t)) << row.Text;
-        EXPECT_EQ(t.Status, simStatusValid) << row.Text;
+        EXPECT_EQ(t.Status, pwStatusValid) << row.Text;
         EXPECT_EQ(t.RefreshRate, row.RefreshRate) << row.Text;
         EXPECT_EQ(t.TotalWidth, row.TotalWidth) << row.Text;
         EXPECT_EQ(t.TotalHeight, row.TotalHeight) << row.Text;
@@ -77,7 +77,7 @@ TEST(PwsimdTiming, RefusesMalformedText) {
          {"", "1280x720", "1280x720@", "x720@60", "1280x@60", "1280x720@60.", "1280x720@60.123",
           "1280x720@0", "0x720@60", "1280x0@60", "8193x720@60", "1280x720@60hz", "+1280x720@60",
           "1280x-720@60", "1280x720@655.36", "1280 x720@60"}) {
-        SimTiming t{};
+        PWTimingInfo t{};
         EXPECT_FALSE(SimParseTiming(text, t)) << "'" << text << "'";
     }
 }
@@ -129,7 +129,7 @@ TEST(PwsimdOptions, DefaultsAndValues) {
 // What a client sees of each fault is tested end to end; these are the
 // properties it can't see.
 TEST(PwsimdFaults, GarbageHoldsNoSyncAndSplitCutsAWholePacket) {
-    const PWMsg reply = message(simOpQueryVersion, {0x0102});
+    const PWMsg reply = message(pwOpQueryVer, {0x0102});
     const Bytes clean = packet(reply, PW_INTERFACE_CMD);
     SimFaults faults{simFaultGarbage, 250, 0, {}};
     PWMsg copy = reply;
@@ -149,14 +149,14 @@ TEST(PwsimdFaults, GarbageHoldsNoSyncAndSplitCutsAWholePacket) {
 
 TEST(PwsimdFaults, Status0CountsDownOnQueryOutputRepliesOnly) {
     SimFaults faults{simFaultStatus0, 0, 2, {}};
-    const Words timing = {simStatusValid, 6000, 1650, 750, 1280, 720, 0, 0, 0};
+    const Words timing = {pwStatusValid, 6000, 1650, 750, 1280, 720, 0, 0, 0};
     // clang-format off
     // A reply in turn, and the status word it goes out with
     const std::pair<uint8_t, uint16_t> replies[] = {
-        {simOpQueryOutput, simStatusNone},
-        {simOpQueryInput,  simStatusValid},
-        {simOpQueryOutput, simStatusNone},
-        {simOpQueryOutput, simStatusValid},
+        {pwOpQueryOutput, pwStatusNone},
+        {pwOpQueryInput,  pwStatusValid},
+        {pwOpQueryOutput, pwStatusNone},
+        {pwOpQueryOutput, pwStatusValid},
     };
     // clang-format on
     for (auto [opcode, status] : replies) {
@@ -204,8 +204,8 @@ Taken feed(const Bytes &bytes, std::size_t piece) {
 }
 
 TEST(PwsimdStream, ResynchronisesOnGarbageAndBadPackets) {
-    const PWMsg cable = message(simOpSetCable, {2});
-    const PWMsg gains = message(simOpSetGains, {82, 84, 82, 127, 123, 0xFFFF});
+    const PWMsg cable = message(pwOpSetCable, {2});
+    const PWMsg gains = message(pwOpSetGains, {82, 84, 82, 127, 123, 0xFFFF});
     Bytes bad         = packet(cable, PW_INTERFACE_CMD);
     bad[3] ^= 0x01; // CRC
     Bytes stream;
@@ -220,9 +220,9 @@ TEST(PwsimdStream, ResynchronisesOnGarbageAndBadPackets) {
     for (std::size_t piece : {std::size_t{1}, std::size_t{3}, std::size_t{7}, stream.size()}) {
         Taken t = feed(stream, piece);
         ASSERT_EQ(t.Requests.size(), 2u) << "piece " << piece;
-        EXPECT_EQ(t.Requests[0].Opcode, simOpSetCable);
+        EXPECT_EQ(t.Requests[0].Opcode, pwOpSetCable);
         EXPECT_EQ(words(t.Requests[0]), words(cable));
-        EXPECT_EQ(t.Requests[1].Opcode, simOpSetGains);
+        EXPECT_EQ(t.Requests[1].Opcode, pwOpSetGains);
         EXPECT_EQ(words(t.Requests[1]), words(gains));
         std::size_t skipped = 0;
         for (std::size_t s : t.Skipped)
@@ -234,12 +234,12 @@ TEST(PwsimdStream, ResynchronisesOnGarbageAndBadPackets) {
 TEST(PwsimdStream, AnUnfinishedPacketDoesNotSwallowTheNextRequest) {
     // A client died after the first four bytes of a request; the next one
     // sends a whole request, whose bytes make the first look long.
-    const Bytes whole = packet(message(simOpReset, {}), PW_INTERFACE_CMD);
+    const Bytes whole = packet(message(pwOpReset, {}), PW_INTERFACE_CMD);
     Bytes stream(whole.begin(), whole.begin() + 4);
     stream.insert(stream.end(), whole.begin(), whole.end());
     Taken t = feed(stream, stream.size());
     ASSERT_EQ(t.Requests.size(), 1u);
-    EXPECT_EQ(t.Requests[0].Opcode, simOpReset);
+    EXPECT_EQ(t.Requests[0].Opcode, pwOpReset);
     EXPECT_EQ(t.Skipped, std::vector<std::size_t>{4});
 }
 
@@ -262,8 +262,8 @@ TEST(PwsimdDevice, RefusesUnknownOpcodesAndWrongLengths) {
     SimDeviceInit(device, 0, SimDeviceConfig{});
     PWMsg reply{};
     for (const PWMsg &request :
-         {message(0x77, {}), message(simOpSetCable, {}), message(simOpQueryVersion, {1}),
-          message(simOpSetGains, {1, 2, 3, 4, 5})})
+         {message(0x77, {}), message(pwOpSetCable, {}), message(pwOpQueryVer, {1}),
+          message(pwOpSetGains, {1, 2, 3, 4, 5})})
         EXPECT_FALSE(SimDeviceAnswer(device, request, reply))
             << "opcode " << int{request.Opcode} << ", length " << int{request.Length};
     EXPECT_EQ(device.Cable, -1) << "a refused set changes nothing";
@@ -323,9 +323,9 @@ TEST(PwsimdModel, EachModeReportsTheTimingOfOneOfItsStrings) {
     }
     for (const auto &[pxwMode, records] : recordsOfMode) {
         SimDevice device = freshDevice();
-        ask(device, simOpSetMode, {pxwMode});
-        const Words out = ask(device, simOpQueryOutput);
-        ASSERT_EQ(out.size(), simTimingWords) << "PxwMode " << pxwMode;
+        ask(device, pwOpSetMode, {pxwMode});
+        const Words out = ask(device, pwOpQueryOutput);
+        ASSERT_EQ(out.size(), pwTimingLength / 2u) << "PxwMode " << pxwMode;
         EXPECT_EQ(
             records.count({out[wRate], out[wTotalW], out[wTotalH], out[wActiveW], out[wActiveH]}),
             1u)
@@ -336,17 +336,17 @@ TEST(PwsimdModel, EachModeReportsTheTimingOfOneOfItsStrings) {
 
 TEST(PwsimdModel, AModeWithoutARowKeepsTheOutputAndAResetRestoresTheStart) {
     SimDevice device  = freshDevice();
-    const Words start = ask(device, simOpQueryOutput);
+    const Words start = ask(device, pwOpQueryOutput);
     EXPECT_EQ(start[wActiveW], 100) << "the --output timing before any set output mode";
-    ask(device, simOpSetMode, {0});
-    const Words mode0 = ask(device, simOpQueryOutput);
+    ask(device, pwOpSetMode, {0});
+    const Words mode0 = ask(device, pwOpQueryOutput);
     EXPECT_EQ(mode0[wActiveW], 1280);
     for (uint16_t unknown : {2, 4, 29, 30, 32, 44, 47, 0xFFFF}) {
-        ask(device, simOpSetMode, {unknown});
-        EXPECT_EQ(ask(device, simOpQueryOutput), mode0) << "PxwMode " << unknown;
+        ask(device, pwOpSetMode, {unknown});
+        EXPECT_EQ(ask(device, pwOpQueryOutput), mode0) << "PxwMode " << unknown;
     }
-    ask(device, simOpReset);
-    EXPECT_EQ(ask(device, simOpQueryOutput), start);
+    ask(device, pwOpReset);
+    EXPECT_EQ(ask(device, pwOpQueryOutput), start);
 }
 
 struct Step {
@@ -363,37 +363,37 @@ TEST(PwsimdModel, InputStatusFollowsTheCableAndTheGainsAfterIt) {
     // clang-format off
     // One request in turn, and the input status that query input reports after it
     const Step steps[] = {
-        {simOpSetGainsVga, gains,    simStatusValid, "gains before any cable say nothing"},
-        {simOpSetCable,    {5},      simStatusDviD,  "DVI connector, no gains yet"},
-        {simOpSetGainsVga, gains,    simStatusDviA,  "analogue gains"},
-        {simOpQueryOutput, {},       simStatusDviA,  "a query changes nothing"},
-        {simOpSetGains,    gains,    simStatusDviD,  "the last gains count"},
-        {simOpSetGainsVga, gains,    simStatusDviA,  "analogue again"},
-        {simOpSetCable,    {5},      simStatusDviD,  "gains before the cable don't count"},
-        {simOpSetCable,    {1},      simStatusValid, "composite"},
-        {simOpSetCable,    {2},      simStatusValid, "svideo"},
-        {simOpSetGainsVga, gains,    simStatusValid, "gains don't change a video cable"},
-        {simOpSetCable,    {3},      simStatusValid, "composite of camera 3"},
-        {simOpSetCable,    {4},      simStatusValid, "svideo of camera 3"},
-        {simOpSetCable,    {6},      simStatusValid, "component"},
-        {simOpSetCable,    {7},      simStatusNone,  "no such cable"},
-        {simOpSetGains,    gains,    simStatusNone,  "gains don't make a missing cable"},
-        {simOpSetCable,    {0xFFFF}, simStatusNone,  "no such cable either"},
-        {simOpSetCable,    {0},      simStatusDviA,  "dvi-a"},
-        {simOpSetGains,    gains,    simStatusDviA,  "gains don't change the analogue input"},
-        {simOpReset,       {},       simStatusValid, "reset"},
-        {simOpSetGainsVga, gains,    simStatusValid, "the reset forgot the cable"},
+        {pwOpSetGainsVga, gains,    pwStatusValid, "gains before any cable say nothing"},
+        {pwOpSetCable,    {5},      pwStatusDviD,  "DVI connector, no gains yet"},
+        {pwOpSetGainsVga, gains,    pwStatusDviA,  "analogue gains"},
+        {pwOpQueryOutput, {},       pwStatusDviA,  "a query changes nothing"},
+        {pwOpSetGains,    gains,    pwStatusDviD,  "the last gains count"},
+        {pwOpSetGainsVga, gains,    pwStatusDviA,  "analogue again"},
+        {pwOpSetCable,    {5},      pwStatusDviD,  "gains before the cable don't count"},
+        {pwOpSetCable,    {1},      pwStatusValid, "composite"},
+        {pwOpSetCable,    {2},      pwStatusValid, "svideo"},
+        {pwOpSetGainsVga, gains,    pwStatusValid, "gains don't change a video cable"},
+        {pwOpSetCable,    {3},      pwStatusValid, "composite of camera 3"},
+        {pwOpSetCable,    {4},      pwStatusValid, "svideo of camera 3"},
+        {pwOpSetCable,    {6},      pwStatusValid, "component"},
+        {pwOpSetCable,    {7},      pwStatusNone,  "no such cable"},
+        {pwOpSetGains,    gains,    pwStatusNone,  "gains don't make a missing cable"},
+        {pwOpSetCable,    {0xFFFF}, pwStatusNone,  "no such cable either"},
+        {pwOpSetCable,    {0},      pwStatusDviA,  "dvi-a"},
+        {pwOpSetGains,    gains,    pwStatusDviA,  "gains don't change the analogue input"},
+        {pwOpReset,       {},       pwStatusValid, "reset"},
+        {pwOpSetGainsVga, gains,    pwStatusValid, "the reset forgot the cable"},
     };
     // clang-format on
     SimDevice device   = freshDevice();
-    Words input        = ask(device, simOpQueryInput);
-    const Words output = ask(device, simOpQueryOutput);
-    EXPECT_EQ(input[wStatus], simStatusValid) << "before any set cable";
+    Words input        = ask(device, pwOpQueryInput);
+    const Words output = ask(device, pwOpQueryOutput);
+    EXPECT_EQ(input[wStatus], pwStatusValid) << "before any set cable";
     for (const Step &step : steps) {
         ask(device, step.Opcode, step.Payload);
         input[wStatus] = step.Status; // only the status changes
-        EXPECT_EQ(ask(device, simOpQueryInput), input) << step.Meaning;
-        EXPECT_EQ(ask(device, simOpQueryOutput), output) << step.Meaning;
+        EXPECT_EQ(ask(device, pwOpQueryInput), input) << step.Meaning;
+        EXPECT_EQ(ask(device, pwOpQueryOutput), output) << step.Meaning;
     }
 }
 

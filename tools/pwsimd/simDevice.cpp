@@ -14,15 +14,15 @@ namespace {
 // clang-format off
 // Opcode, payload bytes of the request, name (for the trace)
 constexpr std::array<SimRequestKind, 9> requestKinds{{
-    {simOpReset,        0,  "reset"},
-    {simOpQueryInput,   0,  "query-input"},
-    {simOpQueryOutput,  0,  "query-output"},
-    {simOpSetCable,     2,  "set-cable"},
-    {simOpSetMode,      2,  "set-mode"},
-    {simOpQueryVersion, 0,  "query-version"},
-    {simOpSetAspect,    2,  "set-aspect"},
-    {simOpSetGains,     12, "set-gains"},
-    {simOpSetGainsVga,  12, "set-gains-vga"},
+    {pwOpReset,       0,               "reset"},
+    {pwOpQueryInput,  0,               "query-input"},
+    {pwOpQueryOutput, 0,               "query-output"},
+    {pwOpSetCable,    pwOneWordLength, "set-cable"},
+    {pwOpSetMode,     pwOneWordLength, "set-mode"},
+    {pwOpQueryVer,    0,               "query-version"},
+    {pwOpSetAspect,   pwOneWordLength, "set-aspect"},
+    {pwOpSetGains,    pwGainsLength,   "set-gains"},
+    {pwOpSetGainsVga, pwGainsLength,   "set-gains-vga"},
 }};
 // clang-format on
 
@@ -91,7 +91,7 @@ const SimRequestKind *SimRequestFind(uint8_t opcode) {
     return nullptr;
 }
 
-bool SimParseTiming(std::string_view text, SimTiming &timing) {
+bool SimParseTiming(std::string_view text, PWTimingInfo &timing) {
     unsigned width = 0, height = 0, hertz = 0, hundredths = 0;
     if (text.empty() || text.front() < '0' || text.front() > '9')
         return false;
@@ -114,7 +114,7 @@ bool SimParseTiming(std::string_view text, SimTiming &timing) {
         return false;
 
     timing              = {};
-    timing.Status       = simStatusValid;
+    timing.Status       = pwStatusValid;
     timing.RefreshRate  = static_cast<uint16_t>(rate);
     timing.ActiveWidth  = static_cast<uint16_t>(width);
     timing.ActiveHeight = static_cast<uint16_t>(height);
@@ -126,20 +126,6 @@ bool SimParseTiming(std::string_view text, SimTiming &timing) {
         timing.TotalHeight = static_cast<uint16_t>(height + otherBlankHeight);
     }
     return true;
-}
-
-void SimTimingToWords(const SimTiming &timing, uint16_t (&words)[simTimingWords]) {
-    // Status, RefreshRate, TotalWidth, TotalHeight, ActiveWidth,
-    // ActiveHeight, two reserved words, InputSource.
-    words[0] = timing.Status;
-    words[1] = timing.RefreshRate;
-    words[2] = timing.TotalWidth;
-    words[3] = timing.TotalHeight;
-    words[4] = timing.ActiveWidth;
-    words[5] = timing.ActiveHeight;
-    words[6] = 0;
-    words[7] = 0;
-    words[8] = timing.InputSource;
 }
 
 void SimDeviceInit(SimDevice &device, int chip, const SimDeviceConfig &config) {
@@ -163,41 +149,36 @@ bool SimDeviceAnswer(SimDevice &device, const PWMsg &request, PWMsg &reply) {
 
     reply        = {};
     reply.Opcode = request.Opcode;
-    uint16_t timingWords[simTimingWords];
     switch (request.Opcode) {
-    case simOpReset: {
+    case pwOpReset: {
         // Forgets what was set; only the count of resets stays.
         uint32_t resets = device.Resets;
         SimDeviceInit(device, device.Chip, device.Config);
         device.Resets = resets + 1;
         break;
     }
-    case simOpQueryInput:
-    case simOpQueryOutput:
-        SimTimingToWords(request.Opcode == simOpQueryInput ? device.Input : device.Output,
-                         timingWords);
-        for (std::size_t i = 0; i < simTimingWords; ++i)
-            reply.Payload[i] = timingWords[i];
-        reply.Length = 2 * simTimingWords;
+    case pwOpQueryInput:
+    case pwOpQueryOutput:
+        PWTimingToPayload(request.Opcode == pwOpQueryInput ? device.Input : device.Output, reply);
         break;
-    case simOpSetCable:
+    case pwOpSetCable:
         device.Cable        = request.Payload[0];
         device.Input.Status = SimCableStatus(request.Payload[0], 0);
         break;
-    case simOpSetMode:
+    case pwOpSetMode:
         device.Mode = request.Payload[0];
         // A mode the chip doesn't have leaves the output timing as it was.
         SimModeTiming(request.Payload[0], device.Output.InputSource, device.Output);
         break;
-    case simOpQueryVersion:
+    case pwOpQueryVer:
         reply.Payload[0] = device.Config.Firmware;
         reply.Length     = 2;
         break;
-    case simOpSetAspect:
+    case pwOpSetAspect:
         device.Aspect = request.Payload[0];
         break;
-    case simOpSetGains:
-    case simOpSetGainsVga:
+    case pwOpSetGains:
+    case pwOpSetGainsVga:
         device.GainsOpcode = request.Opcode;
         for (std::size_t i = 0; i < simGainWords; ++i)
             device.Gains[i] = request.Payload[i];

@@ -9,30 +9,13 @@
 #define TOOLS_PWSIMD_SIMDEVICE_H
 
 #include "system/Pixelworks/PWApi.h"
+#include "system/Pixelworks/PWProtocol.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
-// Opcodes of the requests.
-constexpr uint8_t simOpReset        = 0x01;
-constexpr uint8_t simOpQueryInput   = 0x02;
-constexpr uint8_t simOpQueryOutput  = 0x03;
-constexpr uint8_t simOpSetCable     = 0x04;
-constexpr uint8_t simOpSetMode      = 0x05;
-constexpr uint8_t simOpQueryVersion = 0x23;
-constexpr uint8_t simOpSetAspect    = 0x25;
-constexpr uint8_t simOpSetGains     = 0x2C;
-constexpr uint8_t simOpSetGainsVga  = 0x2D;
-
-constexpr std::size_t simTimingWords = 9; // words of a timing reply: 18 bytes
-constexpr std::size_t simGainWords   = 6; // words of a set gain/offset request
-
-// Status words of a timing reply.
-constexpr uint16_t simStatusNone  = 0;
-constexpr uint16_t simStatusValid = 1; // a signal; on the input, analogue video
-constexpr uint16_t simStatusDviA  = 2; // an analogue computer signal on the input
-constexpr uint16_t simStatusDviD  = 3; // a digital signal on the input
+constexpr std::size_t simGainWords = pwGainsLength / 2; // words of a set gain/offset request
 
 // One request kind of the link.
 struct SimRequestKind {
@@ -44,30 +27,16 @@ struct SimRequestKind {
 // The request kind of `opcode`, or null for an opcode the device doesn't know.
 const SimRequestKind *SimRequestFind(uint8_t opcode);
 
-// A video timing as a timing reply reports it.
-struct SimTiming {
-    uint16_t Status;
-    uint16_t RefreshRate; // hundredths of a hertz
-    uint16_t TotalWidth;  // pixels in a line, blanking included
-    uint16_t TotalHeight; // lines in a frame, blanking included
-    uint16_t ActiveWidth;
-    uint16_t ActiveHeight;
-    uint16_t InputSource;
-};
-
 // Reads "WIDTHxHEIGHT@HZ" (HZ with at most two decimals, e.g. 59.94) into a
 // valid timing; totals come from a table of common sizes, else the active
 // size plus a fixed blanking. False for any other text.
-bool SimParseTiming(std::string_view text, SimTiming &timing);
-
-// The timing as the nine payload words of a reply, in host order.
-void SimTimingToWords(const SimTiming &timing, uint16_t (&words)[simTimingWords]);
+bool SimParseTiming(std::string_view text, PWTimingInfo &timing);
 
 // What every chip starts from, and comes back to on a reset.
 struct SimDeviceConfig {
     uint16_t Firmware;
-    SimTiming Output;
-    SimTiming Input;
+    PWTimingInfo Output;
+    PWTimingInfo Input;
 };
 
 // One chip. Values last set are -1 (or GainsOpcode 0) until a request sets
@@ -89,8 +58,8 @@ struct SimDevice {
     int32_t Aspect;  // word of the last set aspect ratio
     uint8_t GainsOpcode;
     uint16_t Gains[simGainWords];
-    SimTiming Output; // what query output reports
-    SimTiming Input;  // what query input reports
+    PWTimingInfo Output; // what query output reports
+    PWTimingInfo Input;  // what query input reports
 };
 
 void SimDeviceInit(SimDevice &device, int chip, const SimDeviceConfig &config);

@@ -4,11 +4,9 @@
 #include "Common/OS/osAssert.h"
 #include "tools/pwsimd/simDevice.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <iterator>
 
 namespace {
 
@@ -144,16 +142,14 @@ void SimFaultShape(SimFaults &faults, int interface, PWMsg &reply, SimReply &out
     }
     // A frozen output answers with the timing it started with; status0
     // still comes on top of it.
-    if ((faults.Mask & simFaultFrozen) != 0 && reply.Opcode == simOpQueryOutput &&
-        reply.Length == 2 * simTimingWords) {
-        uint16_t words[simTimingWords];
-        SimTimingToWords(faults.Frozen, words);
-        std::copy(std::begin(words), std::end(words), reply.Payload);
+    if ((faults.Mask & simFaultFrozen) != 0 && reply.Opcode == pwOpQueryOutput &&
+        reply.Length == pwTimingLength) {
+        PWTimingToPayload(faults.Frozen, reply);
         out.Applied |= simFaultFrozen;
     }
     if ((faults.Mask & simFaultStatus0) != 0 && faults.Status0Left > 0 &&
-        reply.Opcode == simOpQueryOutput && reply.Length >= 2) {
-        reply.Payload[0] = simStatusNone;
+        reply.Opcode == pwOpQueryOutput && reply.Length >= 2) {
+        reply.Payload[0] = pwStatusNone;
         --faults.Status0Left;
         out.Applied |= simFaultStatus0;
     }

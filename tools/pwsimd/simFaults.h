@@ -32,7 +32,7 @@ struct SimFaults {
     unsigned Mask;
     uint32_t LateMs;      // delay of simFaultLate
     uint32_t Status0Left; // query output replies still to report Status 0
-    SimTiming Frozen;     // what query output reports under simFaultFrozen
+    PWTimingInfo Frozen;  // what query output reports under simFaultFrozen
 };
 
 // Applies one "NAME[=VALUE][@CHIP]" to the chip named, or to every chip

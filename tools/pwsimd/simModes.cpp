@@ -122,7 +122,7 @@ const SimModeRow *SimModeFind(uint16_t pxwMode) {
     return nullptr;
 }
 
-bool SimModeTiming(uint16_t pxwMode, uint16_t inputSource, SimTiming &timing) {
+bool SimModeTiming(uint16_t pxwMode, uint16_t inputSource, PWTimingInfo &timing) {
     const SimModeRow *row = SimModeFind(pxwMode);
     if (row == nullptr)
         return false;
@@ -141,7 +141,7 @@ bool SimModeTiming(uint16_t pxwMode, uint16_t inputSource, SimTiming &timing) {
     OS_ASSERT(refresh <= maxWord && record.HTotal <= maxWord && totalHeight <= maxWord);
 
     timing              = {};
-    timing.Status       = simStatusValid;
+    timing.Status       = pwStatusValid;
     timing.RefreshRate  = static_cast<uint16_t>(refresh);
     timing.TotalWidth   = static_cast<uint16_t>(record.HTotal);
     timing.TotalHeight  = static_cast<uint16_t>(totalHeight);
@@ -157,13 +157,13 @@ uint16_t SimCableStatus(uint16_t pxwCable, uint8_t gainsOpcode) {
             continue;
         switch (row.Kind) {
         case InputKind::video:
-            return simStatusValid;
+            return pwStatusValid;
         case InputKind::vga:
-            return simStatusDviA;
+            return pwStatusDviA;
         case InputKind::dvi:
-            return gainsOpcode == simOpSetGainsVga ? simStatusDviA : simStatusDviD;
+            return gainsOpcode == pwOpSetGainsVga ? pwStatusDviA : pwStatusDviD;
         }
     }
     // A cable the chip doesn't have: nothing comes in.
-    return simStatusNone;
+    return pwStatusNone;
 }

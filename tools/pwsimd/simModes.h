@@ -28,7 +28,7 @@ const SimModeRow *SimModeFind(uint16_t pxwMode);
 
 // The output timing of `pxwMode` with status valid and the given input
 // source; false, and `timing` left alone, when the chip has no such mode.
-bool SimModeTiming(uint16_t pxwMode, uint16_t inputSource, SimTiming &timing);
+bool SimModeTiming(uint16_t pxwMode, uint16_t inputSource, PWTimingInfo &timing);
 
 // The status of the input behind `pxwCable` (simStatus...): `gainsOpcode`
 // is the opcode of the last set gain/offset request after the set cable, 0

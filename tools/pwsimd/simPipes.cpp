@@ -2,29 +2,15 @@
 // creating, holding and removing the twelve pipes.
 #include "tools/pwsimd/simPipes.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <initializer_list>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
-
-struct PairNames {
-    int Interface;
-    const char *Request; // the pipe the client writes
-    const char *Reply;   // the pipe the client reads
-};
-
-// clang-format off
-// Interface, request pipe, reply pipe
-constexpr std::array<PairNames, 2> pairNames{{
-    {PW_INTERFACE_CMD,  "PWWtCmd",  "PWRdCmd"},
-    {PW_INTERFACE_DIAG, "PWWtDiag", "PWRdDiag"},
-}};
-// clang-format on
 
 // What is at a pipe's path before we start.
 enum class Found { nothing, stale, busy, notPipe, error };
@@ -111,14 +97,12 @@ bool SimPipesCreate(const char *dir, SimPipes &pipes, char *error, std::size_t e
     }
 
     for (std::size_t i = 0; i < simPairCount; ++i) {
-        const PairNames &names = pairNames[i / PW_MAX_CHIPS];
-        SimPipePair &pair      = pipes.Pairs[i];
-        pair.Chip              = static_cast<int>(i % PW_MAX_CHIPS);
-        pair.Interface         = names.Interface;
-        std::snprintf(pair.RequestPath, sizeof pair.RequestPath, "%s/%s%d", dir, names.Request,
-                      pair.Chip);
-        std::snprintf(pair.ReplyPath, sizeof pair.ReplyPath, "%s/%s%d", dir, names.Reply,
-                      pair.Chip);
+        SimPipePair &pair        = pipes.Pairs[i];
+        pair.Chip                = static_cast<int>(i % PW_MAX_CHIPS);
+        pair.Interface           = i < PW_MAX_CHIPS ? PW_INTERFACE_CMD : PW_INTERFACE_DIAG;
+        const PWPipeNames &names = PWPipeNamesOf(pair.Interface);
+        PWPipePath(pair.RequestPath, dir, names.ClientWrites, pair.Chip);
+        PWPipePath(pair.ReplyPath, dir, names.ClientReads, pair.Chip);
     }
     if (!checkPaths(dir, pipes, error, errorSize))
         return false;

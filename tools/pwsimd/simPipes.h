@@ -7,12 +7,11 @@
 #define TOOLS_PWSIMD_SIMPIPES_H
 
 #include "system/Pixelworks/PWApi.h"
+#include "system/Pixelworks/PWProtocol.h"
 
 #include <cstddef>
 
-// A pipe's path is "%s/%s%d": folder, name, chip.
-constexpr std::size_t simPipePathSize = PW_PATH_MAX + 11;
-constexpr std::size_t simPairCount    = 2 * PW_MAX_CHIPS;
+constexpr std::size_t simPairCount = 2 * PW_MAX_CHIPS;
 
 // One pipe pair, named from the client's side. The daemon reads requests
 // from the pipe that the client writes (PWWt...) and writes replies to the
@@ -24,8 +23,8 @@ struct SimPipePair {
     int Interface;
     int RequestFd; // -1 while closed
     int ReplyFd;   // -1 while closed
-    char RequestPath[simPipePathSize];
-    char ReplyPath[simPipePathSize];
+    char RequestPath[pwPipePathSize];
+    char ReplyPath[pwPipePathSize];
 };
 
 struct SimPipes {

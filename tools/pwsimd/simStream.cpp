@@ -63,12 +63,12 @@ SimTake SimStreamTake(SimStream &stream, PWMsg &msg, std::size_t &skipped) {
             dropFront(stream, skipped);
             return SimTake::skipped;
         }
-        // A Size byte of 255 makes 261 bytes: the buffer never fills with
-        // an incomplete packet.
-        OS_ASSERT(stream.Held < 261);
+        // The largest Size byte makes the longest packet: the buffer never
+        // fills with an incomplete one.
+        OS_ASSERT(stream.Held < PWPacketTotal(UINT8_MAX));
         return SimTake::none;
     case PWScan::good: {
-        std::size_t total = stream.Buf[5] + 6u;
+        std::size_t total = PWPacketTotal(stream.Buf[pwSizeOffset]);
         msg               = {};
         PWPacketDecode(stream.Buf, msg);
         dropFront(stream, total);
