@@ -4,7 +4,7 @@
 // input status by cable and gains).
 #include "avc/main/vidFormat.h"
 #include "avc/main/vidTiming.h"
-#include "toolModes.h"
+#include "tests/scalerctl/toolModes.h"
 #include "tools/pwsimd/simDevice.h"
 #include "tools/pwsimd/simFaults.h"
 #include "tools/pwsimd/simOptions.h"

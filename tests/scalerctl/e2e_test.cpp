@@ -1,8 +1,9 @@
 // scalerctl end to end: the real program against the real simulator over
-// real pipes. Each case checks standard output exactly, the exit status, and
-// the requests the simulator received, in order, from its trace.
+// real pipes, one run per scenario. Each case checks standard output
+// exactly, the exit status, and the requests the simulator received, in
+// order, from its trace. The parser and the word tables are swept in process
+// (front_test.cpp).
 #include "tests/pwsimd/simProcess.h"
-#include "tests/pwsimd/toolModes.h"
 
 #include <gtest/gtest.h>
 
@@ -92,288 +93,9 @@ const std::string timeoutLine  = "scalerctl: timeout (check camera source)\n";
 const std::string mismatchLine = "scalerctl: output mode doesn't match request\n";
 const std::string openFailed   = "scalerctl: open command failed\n";
 
-// ---- the command line ----------------------------------------------------------
+// ---- the run as a whole ------------------------------------------------------
 
-// A refused command line never reaches a pipe: these run with a folder that
-// does not exist, so a run that got past the parser would say "open command
-// failed" instead.
-struct ParserRow {
-    Words Args;
-    std::string Out;
-};
-
-TEST(ScalerctlParser, RefusalsAndTheirOrder) {
-    // clang-format off
-    const ParserRow rows[] = {
-        {{"-d", "9", "-h"},                       "scalerctl: --device must be in the range 0 - 2\n"},
-        {{"-d", "-1", "-r"},                      "scalerctl: --device must be in the range 0 - 2\n"},
-        {{"-d", "4294967296", "-r"},              "scalerctl: --device must be in the range 0 - 2\n"},
-        {{"-d", "010", "-r"},                     "scalerctl: --device must be in the range 0 - 2\n"},
-        {{"-d", "0", "-i", "5", "-r"},            "scalerctl: --camera must be in the range 1 - 4\n"},
-        {{"-d", "0", "-i", "abc", "-r"},          "scalerctl: --camera must be in the range 1 - 4\n"},
-        {{"-d", "0", "-i", "0x5", "-r"},          "scalerctl: --camera must be in the range 1 - 4\n"},
-        {{"-x", "nosuch", "-d", "9"},             "scalerctl: unrecognized system type nosuch\n"},
-        {{"-d", "0", "-c", "hdmi"},               "scalerctl: cable type 'hdmi' not recognized\n"},
-        {{"-c", "hdmi", "-d", "9"},               "scalerctl: cable type 'hdmi' not recognized\n"},
-        {{"-d", "0", "-m", "720p61"},             "scalerctl: mode '720p61' not recognized\n"},
-        {{"-d", "0", "-m", "1080p60"},            "scalerctl: PixelWorks doesn't support mode '1080p60'\n"},
-        {{"-d", "0", "-r", "stray", "-q"},        "scalerctl: unrecognized arguments starting at 'stray'\n"},
-        {{"stray", "-d", "0", "-c", "hdmi"},      "scalerctl: cable type 'hdmi' not recognized\n"},
-        {{"-V"},                                  "scalerctl: found no actions to take (try --help)\n"},
-        {{"-d", "0", "-i", "1", "-F", "yes"},     "scalerctl: found no actions to take (try --help)\n"},
-        {{"-r"},                                  "scalerctl: missing required options (try --help)\n"},
-        {{"-m", "720p60", "-i", "2"},             "scalerctl: missing required options (try --help)\n"},
-        {{"-d", "0", "-c", "svideo"},             "scalerctl: option --cable requires option --camera\n"},
-        {{"-d", "0", "-c", "svideo", "-r", "-q"}, "scalerctl: option --cable requires option --camera\n"},
-        {{"-d", "1", "-i", "1", "-c", "svideo", "-x", "elm"},
-                                                  "scalerctl: unsupported PixelWorks device number\n"},
-        {{"-x", "hazel", "-d", "0", "-i", "1", "-c", "svideo"},
-                                                  "scalerctl: unsupported PixelWorks device number\n"},
-        {{"-d", "0", "-i", "3", "-c", "svideo"},  "scalerctl: unsupported combination of camera, cable, and PixelWorks\n"},
-        {{"-d", "0", "-i", "2", "-c", "dvi-a"},   "scalerctl: unsupported combination of camera, cable, and PixelWorks\n"},
-        {{"-d", "2", "-i", "3", "-c", "component"},
-                                                  "scalerctl: unsupported combination of camera, cable, and PixelWorks\n"},
-        {{"-d", "0", "--bogus"},                  "Use option --help for usage\n"},
-        {{"-d"},                                  "Use option --help for usage\n"},
-        {{"--version", "-d", "9"},                "scalerctl version 0.1\n"},
-        {{"-d", "0", "-r", "-v"},                 "scalerctl version 0.1\n"},
-    };
-    // clang-format on
-    for (const ParserRow &row : rows) {
-        Words args = {"-p", "/nonexistent/pipes"};
-        args.insert(args.end(), row.Args.begin(), row.Args.end());
-        ProgramRun run = RunScalerctl(args);
-        std::string shown;
-        for (const std::string &a : row.Args)
-            shown += a + " ";
-        EXPECT_EQ(run.Out, row.Out) << shown;
-        EXPECT_EQ(run.ExitStatus, 1) << shown;
-    }
-}
-
-TEST(ScalerctlParser, ModesOutsideTheTable) {
-    // Strings the catalogue knows but the tool's mode table has not.
-    const char *const unsupported[] = {"half-sd-60",
-                                       "half-sd-50",
-                                       "1080p60",
-                                       "1080p59",
-                                       "1080p50",
-                                       "1080i60",
-                                       "1080i30",
-                                       "1080i50",
-                                       "1080i25",
-                                       "1080p_NTSC",
-                                       "1080p_PAL",
-                                       "1080i_NTSC",
-                                       "1080i_PAL",
-                                       "1920x1080at60",
-                                       "1920x1080at59",
-                                       "1920x1080at50",
-                                       "1920x1080at60i",
-                                       "1920x1080at50i",
-                                       "1920x1080at30",
-                                       "1920x1080at25",
-                                       "60HZ1920x1080P_NTSC",
-                                       "50HZ1920x1080P_PAL",
-                                       "60HZ1920x1080I_NTSC",
-                                       "50HZ1920x1080I_PAL",
-                                       "30HZ1920x1080P_NTSC",
-                                       "25HZ1920x1080P_PAL",
-                                       "640x480at25",
-                                       "640x480at30",
-                                       "800x600at25",
-                                       "800x600at30",
-                                       "800x600at50",
-                                       "1024x768at25",
-                                       "1024x768at30",
-                                       "1280x960at25",
-                                       "1280x960at30",
-                                       "1280x1024at25",
-                                       "1280x1024at30",
-                                       "1400x1050at60",
-                                       "60HZ1400x1050_NTSC",
-                                       "60HZ1400x1050_PAL",
-                                       "1680x1050at25",
-                                       "1680x1050at30",
-                                       "1680x1050at60rb",
-                                       "1680x1050at60r",
-                                       "60HZ1680x1050_NTSC",
-                                       "60HZ1680x1050_PAL",
-                                       "1600x1200at25",
-                                       "1600x1200at30"};
-    // Names whose format has no timing record, read like unknown strings.
-    const char *const untimed[] = {"1680x1050at75",      "1680x1050at85",      "1600x1200at65",
-                                   "1600x1200at70",      "1600x1200at75",      "1600x1200at85",
-                                   "65HZ1600x1200_NTSC", "65HZ1600x1200_PAL",  "70HZ1600x1200_NTSC",
-                                   "70HZ1600x1200_PAL",  "75HZ1600x1200_NTSC", "75HZ1600x1200_PAL",
-                                   "85HZ1600x1200_NTSC", "85HZ1600x1200_PAL",  "auto-ntsc-pal"};
-    for (const char *mode : unsupported) {
-        ProgramRun run = RunScalerctl({"-p", "/nonexistent/pipes", "-d", "0", "-m", mode});
-        EXPECT_EQ(run.Out,
-                  "scalerctl: PixelWorks doesn't support mode '" + std::string(mode) + "'\n");
-        EXPECT_EQ(run.ExitStatus, 1) << mode;
-    }
-    for (const char *mode : untimed) {
-        ProgramRun run = RunScalerctl({"-p", "/nonexistent/pipes", "-d", "0", "-m", mode});
-        EXPECT_EQ(run.Out, "scalerctl: mode '" + std::string(mode) + "' not recognized\n");
-        EXPECT_EQ(run.ExitStatus, 1) << mode;
-    }
-}
-
-TEST(ScalerctlParser, HelpPrintsTheUsageAndEndsWithStatusOne) {
-    for (const Words &args : {Words{"--help"}, Words{"-d", "0", "-r", "-h"}}) {
-        ProgramRun run = RunScalerctl(args);
-        EXPECT_EQ(run.ExitStatus, 1);
-        EXPECT_EQ(run.Out.rfind("usage: scalerctl <option> ... <action> ...\n\n", 0), 0u);
-        EXPECT_NE(run.Out.find("Configure the PixelWorks video input processor on Rowan.  Each "
-                               "invocation of\nthis program can touch just one PixelWorks "
-                               "device.  All specified actions are\n"),
-                  std::string::npos);
-        EXPECT_NE(run.Out.find("      480p    half-sd-30    720p60    720p30    720p59\n"
-                               "      576p    half-sd-25    720p50    720p25\n"),
-                  std::string::npos);
-        std::size_t end = run.Out.size() - std::string("  -g, --pxwver\n    Query the PixelWorks "
-                                                       "firmware version.\n")
-                                               .size();
-        EXPECT_EQ(run.Out.substr(end),
-                  "  -g, --pxwver\n    Query the PixelWorks firmware version.\n");
-        EXPECT_EQ(std::count(run.Out.begin(), run.Out.end(), '\n'), 51);
-    }
-}
-
-TEST(ScalerctlParser, LinkFailuresAfterTheParser) {
-    // Past the parser: the folder is given to the link as it stands.
-    std::string fifty(50, 'p');
-    ProgramRun tooLong = RunScalerctl({"-p", "/" + fifty.substr(1), "-d", "0", "-r"});
-    EXPECT_EQ(tooLong.Out, "scalerctl: init command returned -3\n");
-    EXPECT_EQ(tooLong.ExitStatus, 1);
-    // "abc" reads as device 0 and passes.
-    ProgramRun noDaemon = RunScalerctl({"-p", "/nonexistent", "-d", "abc", "-r"});
-    EXPECT_EQ(noDaemon.Out, "scalerctl: open command failed\n");
-    EXPECT_EQ(noDaemon.ExitStatus, 1);
-    // The link's causes go to the system log, never to the terminal.
-    EXPECT_EQ(noDaemon.Err, "");
-}
-
-// ---- reset ---------------------------------------------------------------------
-
-TEST(ScalerctlReset, ResetAloneAndBeforeEverythingElse) {
-    Outcome plain = runWithSim({"-d", "1", "--reset"});
-    EXPECT_EQ(plain.Run.Out, "scalerctl: reset command returned 0\n");
-    EXPECT_EQ(plain.Run.ExitStatus, 0);
-    EXPECT_EQ(plain.Requests, Words{"op=0x01 words=-"});
-
-    // Everything else is checked by the parser and then ignored.
-    Outcome all =
-        runWithSim({"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-g", "-q", "-Q", "-r"});
-    EXPECT_EQ(all.Run.Out, "scalerctl: reset command returned 0\n");
-    EXPECT_EQ(all.Run.ExitStatus, 0);
-    EXPECT_EQ(all.Requests, Words{"op=0x01 words=-"});
-}
-
-TEST(ScalerctlReset, AFailedResetStillEndsWithStatusZero) {
-    Outcome silent = runWithSim({"-d", "0", "-r"}, {"--fault", "never"});
-    EXPECT_EQ(silent.Run.Out, "scalerctl: reset command returned -35\n");
-    EXPECT_EQ(silent.Run.ExitStatus, 0);
-    EXPECT_EQ(silent.Run.Err, "");
-}
-
-// ---- cables and their gains ----------------------------------------------------------
-
-struct CableRow {
-    const char *Type;
-    const char *Device;
-    const char *Camera;
-    const char *Cable;
-    std::string SetCable; // payload of the set cable request
-    std::string Gains;    // the gain request, "" for none
-};
-
-TEST(ScalerctlCable, CableAndGainsByTypeDeviceAndCamera) {
-    // clang-format off
-    const CableRow rows[] = {
-        {"rowan",     "0", "1", "svideo",          "0002", "op=0x2c words=" + sixNone},
-        {"rowan",     "0", "2", "S_VIDEO",         "0002", "op=0x2c words=" + sixNone},
-        {"rowan",     "0", "1", "composite",       "0001", "op=0x2c words=" + sixNone},
-        {"rowan",     "0", "2", "component",       "0006", "op=0x2c words=0043,003f,0040,ffff,ffff,ffff"},
-        {"rowan",     "1", "2", "Component_YPbPr", "0006", "op=0x2c words=0043,0040,0042,ffff,ffff,ffff"},
-        {"rowan",     "0", "1", "dvi-a",           "0000", ""},
-        {"rowan",     "1", "2", "vga",             "0000", ""},
-        {"rowan",     "1", "3", "composite",       "0003", "op=0x2c words=" + sixNone},
-        {"rowan",     "1", "3", "svideo",          "0004", "op=0x2c words=" + sixNone},
-        {"rowan",     "2", "3", "composite",       "0003", ""},
-        {"rowan",     "2", "3", "svideo",          "0004", ""},
-        {"rowan",     "2", "4", "dvi-a",           "0005", "op=0x2d words=0052,0054,0052,007f,007b,007a"},
-        {"rowan",     "2", "4", "dvi-d",           "0005", "op=0x2c words=0052,0054,0052,007f,007b,007a"},
-        {"rowan",     "2", "4", "DVI",             "0005", "op=0x2c words=0052,0054,0052,007f,007b,007a"},
-        {"elm",       "0", "1", "svideo",          "0002", "op=0x2c words=" + sixNone},
-        {"elm",       "2", "4", "vga",             "0005", "op=0x2d words=0052,0054,0052,007f,007b,007a"},
-        {"rowan_int", "0", "3", "composite",       "0001", "op=0x2c words=" + sixNone},
-        {"rowan_int", "1", "3", "component",       "0006", "op=0x2c words=0043,0040,0042,ffff,ffff,ffff"},
-        {"rowan_int", "2", "4", "dvi-d",           "0005", "op=0x2c words=0052,0054,0052,007f,007b,007a"},
-    };
-    // clang-format on
-    for (const CableRow &row : rows) {
-        std::string shown = std::string(row.Type) + " device " + row.Device + " camera " +
-                            row.Camera + " " + row.Cable;
-        Outcome o =
-            runWithSim({"-x", row.Type, "-d", row.Device, "-i", row.Camera, "-c", row.Cable});
-        Words expected = {"op=0x04 words=" + row.SetCable};
-        if (!row.Gains.empty())
-            expected.push_back(row.Gains);
-        expected.push_back("op=0x25 words=0000");
-        expected.push_back("op=0x03 words=-");
-        EXPECT_EQ(o.Requests, expected) << shown;
-        EXPECT_EQ(o.Run.Out, "") << shown;
-        EXPECT_EQ(o.Run.ExitStatus, 0) << shown;
-    }
-}
-
-TEST(ScalerctlCable, CameraWithoutCableIsAcceptedAndDoesNothing) {
-    Outcome o = runWithSim({"-d", "0", "-i", "3", "-g"}, {"--firmware", "0x1234"});
-    EXPECT_EQ(o.Run.Out, "Firmware version 4660\n");
-    EXPECT_EQ(o.Run.ExitStatus, 0);
-    EXPECT_EQ(o.Requests, Words{"op=0x23 words=-"});
-}
-
-// ---- output modes --------------------------------------------------------------------
-
-struct ModeRow {
-    Words Args;
-    std::string SetMode; // payload of the set output mode request
-};
-
-TEST(ScalerctlMode, ModeStringsAliasesAndTheFullFpsFallback) {
-    // clang-format off
-    const ModeRow rows[] = {
-        {{"-m", "720p60"},                    "0000"},
-        {{"-m", "12x7at60-no-csc"},           "0000"},
-        {{"-m", "480p"},                      "0001"},
-        {{"-m", "480p30"},                    "0005"},
-        {{"-m", "576p"},                      "0006"},
-        {{"-m", "576p25"},                    "0007"},
-        {{"-m", "720p30"},                    "0015"},
-        {{"-F", "yes", "-m", "720p30"},       "0015"},
-        {{"-m", "720p30", "-F", "no"},        "0015"},
-        {{"-F", "1", "-m", "720p60"},         "0000"},
-        {{"-F", "", "-m", "720p50"},          "0016"},
-        {{"-m", "NTSC"},                      "0005"},
-        {{"-m", "1280x720at60"},              "0022"},
-        {{"-m", "1680x1050AT60"},             "001f"},
-    };
-    // clang-format on
-    for (const ModeRow &row : rows) {
-        Words args = {"-d", "0"};
-        args.insert(args.end(), row.Args.begin(), row.Args.end());
-        Outcome o = runWithSim(args);
-        EXPECT_EQ(o.Requests,
-                  (Words{"op=0x05 words=" + row.SetMode, "op=0x25 words=0000", "op=0x03 words=-"}))
-            << row.Args.back();
-        EXPECT_EQ(o.Run.ExitStatus, 0) << row.Args.back() << ": " << o.Run.Out;
-    }
-}
-
-TEST(ScalerctlMode, TheTypicalRun) {
+TEST(ScalerctlRun, TheTypicalRun) {
     Outcome o = runWithSim({"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-Q"});
     EXPECT_EQ(o.Run.Out, report720p60);
     EXPECT_EQ(o.Run.ExitStatus, 0);
@@ -382,33 +104,105 @@ TEST(ScalerctlMode, TheTypicalRun) {
                                  "op=0x05 words=0000", "op=0x25 words=0000", "op=0x03 words=-"}));
 }
 
-TEST(ScalerctlMode, EveryModeStringSucceedsAgainstTheFollowingOutput) {
-    // One simulator for all the runs: each set output mode changes what the
-    // next query output reports, and the tool compares its size.
+// A refused command line, --help and --version end with status 1 before
+// the link: the folder does not exist, and nothing says "open command failed".
+TEST(ScalerctlRun, RefusalsHelpAndVersionEndWithStatusOneBeforeTheLink) {
+    const std::pair<Words, std::string> rows[] = {
+        {{"-d", "3", "-i", "4", "-c", "dvi-d"}, "scalerctl: --device must be in the range 0 - 2\n"},
+        {{"-d", "0", "-r", "--version"}, "scalerctl version 0.1\n"},
+        {{"--help"}, "usage: scalerctl <option> ... <action> ...\n"},
+    };
+    for (const auto &[args, firstLine] : rows) {
+        Words withPath = {"-p", "/nonexistent/pipes"};
+        withPath.insert(withPath.end(), args.begin(), args.end());
+        ProgramRun run = RunScalerctl(withPath);
+        EXPECT_EQ(run.Out.substr(0, firstLine.size()), firstLine) << args.back();
+        EXPECT_EQ(run.ExitStatus, 1) << args.back();
+    }
+}
+
+TEST(ScalerctlRun, LinkFailuresAfterTheParser) {
+    // Past the parser: the folder is given to the link as it stands.
+    std::string fifty(50, 'p');
+    ProgramRun tooLong = RunScalerctl({"-p", "/" + fifty.substr(1), "-d", "0", "-r"});
+    EXPECT_EQ(tooLong.Out, "scalerctl: init command returned -3\n");
+    EXPECT_EQ(tooLong.ExitStatus, 1);
+    ProgramRun noDaemon = RunScalerctl({"-p", "/nonexistent", "-d", "0", "-r"});
+    EXPECT_EQ(noDaemon.Out, openFailed);
+    EXPECT_EQ(noDaemon.ExitStatus, 1);
+    // The link's causes go to the system log, never to the terminal.
+    EXPECT_EQ(noDaemon.Err, "");
+}
+
+// ---- reset ---------------------------------------------------------------------
+
+TEST(ScalerctlReset, ResetAloneAndBeforeEverythingElse) {
+    // Everything else is checked by the parser and then ignored.
+    const std::vector<Outcome> o = runSession(
+        {{"-d", "1", "--reset"},
+         {"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-g", "-q", "-Q", "-r"}});
+    for (const Outcome &run : o) {
+        EXPECT_EQ(run.Run.Out, "scalerctl: reset command returned 0\n");
+        EXPECT_EQ(run.Run.ExitStatus, 0);
+    }
+    EXPECT_EQ(o.back().Requests, (Words{"op=0x01 words=-", "op=0x01 words=-"}));
+
+    Outcome silent = runWithSim({"-d", "0", "-r"}, {"--fault", "never"});
+    EXPECT_EQ(silent.Run.Out, "scalerctl: reset command returned -35\n");
+    EXPECT_EQ(silent.Run.ExitStatus, 0);
+}
+
+// ---- cables and their gains ----------------------------------------------------------
+
+struct CableRow {
+    Words Args;
+    std::string SetCable; // payload of the set cable request
+    std::string Gains;    // the gain request, "" for none
+};
+
+// The gains of the cable's key for the device, with the opcode of the system
+// cable; none where the device has no row.
+TEST(ScalerctlCable, SetCableThenItsGainsOnOneSimulator) {
+    const std::string vga = "0052,0054,0052,007f,007b,007a";
+    // clang-format off
+    const CableRow rows[] = {
+        {{"-d", "0", "-i", "2", "-c", "S_VIDEO"},         "0002", "op=0x2c words=" + sixNone},
+        {{"-d", "0", "-i", "2", "-c", "component"},       "0006", "op=0x2c words=0043,003f,0040,ffff,ffff,ffff"},
+        {{"-d", "1", "-i", "2", "-c", "Component_YPbPr"}, "0006", "op=0x2c words=0043,0040,0042,ffff,ffff,ffff"},
+        {{"-d", "1", "-i", "2", "-c", "vga"},             "0000", ""},
+        {{"-d", "2", "-i", "3", "-c", "svideo"},          "0004", ""},
+        {{"-d", "2", "-i", "4", "-c", "dvi-a"},           "0005", "op=0x2d words=" + vga},
+        {{"-d", "2", "-i", "4", "-c", "DVI"},             "0005", "op=0x2c words=" + vga},
+        {{"-x", "elm", "-d", "2", "-i", "4", "-c", "vga"}, "0005", "op=0x2d words=" + vga},
+        {{"-x", "rowan_int", "-d", "1", "-i", "3", "-c", "component"},
+                                                          "0006", "op=0x2c words=0043,0040,0042,ffff,ffff,ffff"},
+    };
+    // clang-format on
     std::vector<Words> runs;
     Words expected;
-    for (const ModeString &mode : toolModes) {
-        runs.push_back({"-d", "1", "-m", mode.Text, "-Q"});
-        char word[8];
-        std::snprintf(word, sizeof word, "%04x", mode.PxwMode);
-        expected.insert(expected.end(), {std::string("op=0x05 words=") + word, "op=0x25 words=0000",
-                                         "op=0x03 words=-"});
+    for (const CableRow &row : rows) {
+        runs.push_back(row.Args);
+        expected.push_back("op=0x04 words=" + row.SetCable);
+        if (!row.Gains.empty())
+            expected.push_back(row.Gains);
+        expected.insert(expected.end(), {"op=0x25 words=0000", "op=0x03 words=-"});
     }
-    const std::vector<Outcome> outcomes = runSession(runs);
-    for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        const ProgramRun &run = outcomes[i].Run;
-        EXPECT_EQ(run.ExitStatus, 0) << toolModes[i].Text << ": " << run.Out;
-        EXPECT_EQ(run.Out.rfind("\nVideo output:\n  Status             = valid\n", 0), 0u)
-            << toolModes[i].Text << ": " << run.Out;
+    const std::vector<Outcome> o = runSession(runs);
+    for (std::size_t i = 0; i < o.size(); ++i) {
+        EXPECT_EQ(o[i].Run.Out, "") << rows[i].Args.back();
+        EXPECT_EQ(o[i].Run.ExitStatus, 0) << rows[i].Args.back();
     }
-    EXPECT_EQ(outcomes.back().Requests, expected);
+    EXPECT_EQ(o.back().Requests, expected);
 }
+
+// ---- output modes --------------------------------------------------------------------
 
 TEST(ScalerctlMode, AnInterlacedModeExpectsTheLinesOfBothFields) {
     Outcome o = runWithSim({"-d", "0", "-m", "ntsc", "-Q"});
     EXPECT_EQ(o.Run.ExitStatus, 0) << o.Run.Out;
     EXPECT_NE(o.Run.Out.find("    Mode             = 720 x 480 at "), std::string::npos)
         << o.Run.Out;
+    EXPECT_EQ(o.Requests, (Words{"op=0x05 words=0005", "op=0x25 words=0000", "op=0x03 words=-"}));
 }
 
 // ---- queries -------------------------------------------------------------------------
@@ -425,25 +219,22 @@ TEST(ScalerctlQuery, FirmwareInputAndStatusInTheirOrder) {
                          "    Total frame size = 858 x 525\n");
     EXPECT_EQ(o.Run.ExitStatus, 0);
     EXPECT_EQ(o.Requests, (Words{"op=0x23 words=-", "op=0x02 words=-"}));
-
-    Outcome status = runWithSim({"-d", "0", "-C"});
-    EXPECT_EQ(status.Run.Out, "valid\n");
-    EXPECT_EQ(status.Requests, Words{"op=0x02 words=-"});
 }
 
-TEST(ScalerctlQuery, QueryOutAloneQueriesAndReports) {
-    Outcome o = runWithSim({"-d", "0", "-Q"});
-    EXPECT_EQ(o.Run.Out, report720p60);
-    EXPECT_EQ(o.Run.ExitStatus, 0);
-    EXPECT_EQ(o.Requests, Words{"op=0x03 words=-"});
-}
-
-TEST(ScalerctlQuery, VerboseReportsAfterAChangeAndSilenceOtherwise) {
-    Outcome verbose = runWithSim({"-d", "0", "-V", "-m", "720p60"});
-    EXPECT_EQ(verbose.Run.Out, report720p60);
-    Outcome quiet = runWithSim({"-d", "0", "-m", "720p60"});
-    EXPECT_EQ(quiet.Run.Out, "");
-    EXPECT_EQ(quiet.Run.ExitStatus, 0);
+// The output report follows --query-out, alone or after a change, and
+// --verbose; without either a change prints nothing.
+TEST(ScalerctlQuery, TheOutputReportOnlyWhenAskedFor) {
+    const std::vector<Outcome> o = runSession(
+        {{"-d", "0", "-Q"}, {"-d", "0", "-V", "-m", "720p60"}, {"-d", "0", "-m", "720p60"}});
+    EXPECT_EQ(o[0].Run.Out, report720p60);
+    EXPECT_EQ(o[1].Run.Out, report720p60);
+    EXPECT_EQ(o[2].Run.Out, "");
+    for (const Outcome &run : o)
+        EXPECT_EQ(run.Run.ExitStatus, 0);
+    EXPECT_EQ(
+        o.back().Requests,
+        (Words{"op=0x03 words=-", "op=0x05 words=0000", "op=0x25 words=0000", "op=0x03 words=-",
+               "op=0x05 words=0000", "op=0x25 words=0000", "op=0x03 words=-"}));
 }
 
 TEST(ScalerctlQuery, OutputIsPolledUntilItReports) {
@@ -454,80 +245,71 @@ TEST(ScalerctlQuery, OutputIsPolledUntilItReports) {
                                  "op=0x03 words=-", "op=0x03 words=-", "op=0x03 words=-"}));
 }
 
-TEST(ScalerctlQuery, PollTimeoutAfterACableChangeStillSucceeds) {
-    Outcome o = runWithSim({"-d", "0", "-i", "1", "-c", "svideo"}, {"--fault", "status0=100"});
-    EXPECT_EQ(o.Run.Out, timeoutLine);
-    EXPECT_EQ(o.Run.ExitStatus, 0);
-    Words expected = {"op=0x04 words=0002", "op=0x2c words=" + sixNone, "op=0x25 words=0000"};
-    expected.insert(expected.end(), 25, "op=0x03 words=-");
-    EXPECT_EQ(o.Requests, expected);
-}
-
-TEST(ScalerctlQuery, PollTimeoutWithAModeGoesOnToTheComparison) {
-    // The last reply still has the requested size: timeout line, no mismatch.
-    Outcome o = runWithSim({"-d", "0", "-m", "720p60", "-Q"}, {"--fault", "status0=100"});
-    EXPECT_EQ(o.Run.Out, timeoutLine + report720p60None);
-    EXPECT_EQ(o.Run.ExitStatus, 0);
-}
-
-struct StatusRow {
-    const char *Type;
-    const char *Device;
-    const char *Camera;
-    const char *Cable;
-    const char *Status; // the word --query-in-cable prints
+struct PollRow {
+    Words ToolArgs;
+    Words SimArgs;
+    std::string Out;
+    int Exit;
 };
+
+// After 25 polls the comparison goes on with the last reply: a cable change
+// alone succeeds, a mode of the same size too, another size is a mismatch.
+TEST(ScalerctlQuery, PollTimeoutGoesOnToTheComparison) {
+    const Words never  = {"--fault", "status0=100"};
+    const Words frozen = {"--fault", "status0=100", "--fault", "frozen"};
+    // clang-format off
+    const PollRow rows[] = {
+        {{"-d", "0", "-i", "1", "-c", "svideo"}, never,  timeoutLine,                                     0},
+        {{"-d", "0", "-m", "720p60", "-Q"},      never,  timeoutLine + report720p60None,                  0},
+        {{"-d", "0", "-m", "576p"},              frozen, timeoutLine + mismatchLine + report720p60None,   1},
+    };
+    // clang-format on
+    for (const PollRow &row : rows) {
+        Outcome o = runWithSim(row.ToolArgs, row.SimArgs);
+        EXPECT_EQ(o.Run.Out, row.Out) << row.ToolArgs.back();
+        EXPECT_EQ(o.Run.ExitStatus, row.Exit) << row.ToolArgs.back();
+        EXPECT_EQ(std::count(o.Requests.begin(), o.Requests.end(), "op=0x03 words=-"), 25);
+    }
+}
 
 TEST(ScalerctlQuery, InputStatusFollowsTheCableSet) {
     // clang-format off
-    const StatusRow rows[] = {
-        {"rowan", "0", "1", "svideo",    "valid"},
+    // Type, device, camera, cable, and the word --query-in-cable prints after it
+    const std::vector<Words> rows = {
         {"rowan", "1", "2", "component", "valid"},
         {"rowan", "0", "1", "dvi-a",     "dvi-a"},
-        {"rowan", "2", "3", "composite", "valid"},
-        {"rowan", "2", "4", "dvi-a",     "dvi-a"},
         {"rowan", "2", "4", "vga",       "dvi-a"},
         {"rowan", "2", "4", "dvi-d",     "dvi-d"},
         {"elm",   "2", "4", "DVI",       "dvi-d"},
     };
     // clang-format on
-    for (const StatusRow &row : rows) {
-        std::string shown = std::string(row.Type) + " device " + row.Device + " " + row.Cable;
-        // The cable in one run, the status in the next: the chip remembers.
-        const std::vector<Outcome> o =
-            runSession({{"-x", row.Type, "-d", row.Device, "-i", row.Camera, "-c", row.Cable},
-                        {"-x", row.Type, "-d", row.Device, "-C"}});
-        EXPECT_EQ(o[0].Run.Out, "") << shown;
-        EXPECT_EQ(o[1].Run.Out, std::string(row.Status) + "\n") << shown;
-        EXPECT_EQ(o[1].Run.ExitStatus, 0) << shown;
-        EXPECT_EQ(o[1].Requests.back(), "op=0x02 words=-") << shown;
+    // The cable in one run, the status in the next: the chip remembers.
+    std::vector<Words> runs;
+    for (const Words &row : rows) {
+        runs.push_back({"-x", row[0], "-d", row[1], "-i", row[2], "-c", row[3]});
+        runs.push_back({"-x", row[0], "-d", row[1], "-C"});
+    }
+    const std::vector<Outcome> o = runSession(runs);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        EXPECT_EQ(o[2 * i].Run.Out, "") << rows[i][3];
+        EXPECT_EQ(o[2 * i + 1].Run.Out, rows[i][4] + "\n") << rows[i][3];
+        EXPECT_EQ(o[2 * i + 1].Run.ExitStatus, 0) << rows[i][3];
     }
 }
 
 TEST(ScalerctlQuery, AnOutputThatIgnoresTheModeIsAMismatchReportedOnce) {
-    // Under "frozen" the output stays 1280 x 720 at 60 Hz whatever is set.
-    for (const Words &args :
-         {Words{"-d", "0", "-m", "576p"}, Words{"-d", "0", "-m", "576p", "-Q", "-V"}}) {
-        Outcome o = runWithSim(args, {"--fault", "frozen"});
-        EXPECT_EQ(o.Run.Out, mismatchLine + report720p60) << args.back();
-        EXPECT_EQ(o.Run.ExitStatus, 1) << args.back();
-        EXPECT_EQ(o.Requests,
-                  (Words{"op=0x05 words=0006", "op=0x25 words=0000", "op=0x03 words=-"}));
+    // Under "frozen" the output stays 1280 x 720 at 60 Hz whatever is set;
+    // only the size is compared, so 720p50 passes.
+    const std::vector<Outcome> o = runSession({{"-d", "0", "-m", "576p"},
+                                               {"-d", "0", "-m", "576p", "-Q", "-V"},
+                                               {"-d", "0", "-m", "720p50", "-Q"}},
+                                              {"--fault", "frozen"});
+    for (int i : {0, 1}) {
+        EXPECT_EQ(o[i].Run.Out, mismatchLine + report720p60) << i;
+        EXPECT_EQ(o[i].Run.ExitStatus, 1) << i;
     }
-    // Only the size is compared: 720p50 on a 720p60 output passes.
-    Outcome sameSize = runWithSim({"-d", "0", "-m", "720p50", "-Q"}, {"--fault", "frozen"});
-    EXPECT_EQ(sameSize.Run.Out, report720p60);
-    EXPECT_EQ(sameSize.Run.ExitStatus, 0);
-}
-
-TEST(ScalerctlQuery, PollTimeoutThenMismatchOfTheLastReply) {
-    Outcome o =
-        runWithSim({"-d", "0", "-m", "576p"}, {"--fault", "frozen", "--fault", "status0=100"});
-    EXPECT_EQ(o.Run.Out, timeoutLine + mismatchLine + report720p60None);
-    EXPECT_EQ(o.Run.ExitStatus, 1);
-    Words expected = {"op=0x05 words=0006", "op=0x25 words=0000"};
-    expected.insert(expected.end(), 25, "op=0x03 words=-");
-    EXPECT_EQ(o.Requests, expected);
+    EXPECT_EQ(o[2].Run.Out, report720p60);
+    EXPECT_EQ(o[2].Run.ExitStatus, 0);
 }
 
 // ---- failures of the daemon as the tool sees them --------------------------------------

@@ -1,8 +1,10 @@
 // Every mode string that reaches a row of scalerctl's mode table, with the
-// PxwMode that the tool sends for it: shared by the simulator's model test and the end-to-end
-// sweep.
-#ifndef TESTS_PWSIMD_TOOLMODES_H
-#define TESTS_PWSIMD_TOOLMODES_H
+// PxwMode that the tool sends for it. A copy kept by hand, apart from the
+// tool's table on purpose: the sweep of the tool's resolution compares the
+// two, so that a slip in either shows; the simulator's model test uses it
+// for the modes a client can ask for.
+#ifndef TESTS_SCALERCTL_TOOLMODES_H
+#define TESTS_SCALERCTL_TOOLMODES_H
 
 #include <cstdint>
 
