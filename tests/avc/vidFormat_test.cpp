@@ -3,11 +3,14 @@
 #include "avc/main/sysType.h"
 #include "avc/main/vidFormat.h"
 #include "avc/main/vidFormatData.h"
+#include "avc/main/vidTiming.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <regex>
 #include <set>
 #include <string>
 #include <tuple>
@@ -40,6 +43,81 @@ TEST(VidFormatTables, AllowedListsDifferAsDescribed) {
         }
     }
     EXPECT_EQ(holding61.size(), 1u);
+}
+
+// What a mode name says of its picture, read from the name alone.
+struct NameSays {
+    uint32_t Width, Height, Hz; // Hz as written: 59 and 29 stand for 59.94 and 29.97
+    bool Television;            // a rate of a television standard, held exactly
+    bool Interlaced;            // Hz may count fields
+};
+
+bool ReadName(const std::string &name, NameSays &says) {
+    using std::regex;
+    std::smatch m;
+    const auto icase = regex::icase;
+    auto n           = [&](int i) { return static_cast<uint32_t>(std::stoul(m[i].str())); };
+    auto widthOf     = [](uint32_t lines) {
+        return lines == 720 ? 1280u : lines == 1080 ? 1920u : 720u;
+    };
+    if (std::regex_match(name, m, regex("(\\d+)x(\\d+)at(\\d+)(i|r|rb)?", icase)))
+        says = {n(1), n(2), n(3), false, m[4] == "i"};
+    else if (std::regex_match(name, m, regex("(\\d+)HZ(\\d+)x(\\d+)(P|I)?_(NTSC|PAL)")))
+        says = {n(2), n(3), n(1), false, m[4] == "I"};
+    else if (std::regex_match(name, m, regex("(480|576|720|1080)(p|i)(\\d+)")))
+        says = {widthOf(n(1)), n(1), n(3), true, m[2] == "i"};
+    else if (std::regex_match(name, m, regex("(480|576|720|1080)(p|i)(_NTSC|_PAL)?")))
+        says = {widthOf(n(1)), n(1), m[3] == "_PAL" || n(1) == 576 ? 50u : 59u, true, m[2] == "i"};
+    else if (std::regex_match(name, m, regex("(ntsc|pal)(_NTSC|_PAL)?")))
+        says = {720, m[1] == "ntsc" ? 480u : 576u, m[1] == "ntsc" ? 59u : 50u, true, true};
+    else if (std::regex_match(name, m, regex("half-sd-(\\d+)")))
+        says = {360, n(1) % 25 == 0 ? 576u : 480u, n(1), true, false};
+    else if (name == "12x7at60-no-csc")
+        says = {1280, 720, 60, true, false};
+    else
+        return false;
+    return true;
+}
+
+// The frame rate (mHz) agrees with the rate in the name: exactly for a
+// television name (480 lines run at 1000/1001 of the named rate), within
+// 1.5% for the others, whose standards round their rates in the name.
+bool RateAgrees(uint32_t frameMHz, const NameSays &says) {
+    const uint32_t hz  = says.Hz == 59 || says.Hz == 29 ? says.Hz + 1 : says.Hz;
+    const double named = hz * 1000.0, slowed = named * 1000.0 / 1001.0;
+    for (double rate : {1.0 * frameMHz, says.Interlaced ? 2.0 * frameMHz : 0.0}) {
+        if (!says.Television && std::fabs(rate - named) <= 0.015 * named)
+            return true;
+        const bool slowedOk = says.Hz != hz || says.Height == 480;
+        if (says.Television &&
+            (std::fabs(rate - named) < 1 || (slowedOk && std::fabs(rate - std::round(slowed)) < 1)))
+            return true;
+    }
+    return false;
+}
+
+// Every mode name with a record gets a record of the size and rate it
+// names: a name given the wrong format shows here.
+TEST(VidFormatTables, EveryModeNameAgreesWithItsRecord) {
+    for (const auto &row : vidFormat::VidFormatNameTable) {
+        if ((row.Flags & FMT_MODE_NAME) == 0)
+            continue;
+        int32_t id         = row.FormatId;
+        uint32_t rate      = row.Rate;
+        uint32_t aliasRate = 0;
+        VidFormatResolveAlias(&id, &aliasRate);
+        VidTiming t{};
+        if (VidTimingFind(id, VidTimingMainTable, &t) != 0)
+            continue; // no record: refused by every lookup
+        NameSays says{};
+        ASSERT_TRUE(ReadName(row.Name, says)) << row.Name << ": a name the test cannot read";
+        const uint32_t frameMHz = rate != 0        ? rate
+                                  : aliasRate != 0 ? aliasRate
+                                                   : t.FrameRateMilliHz;
+        EXPECT_EQ(t.HActive, says.Width) << row.Name;
+        EXPECT_EQ(t.VActive + t.VActive2, says.Height) << row.Name;
+        EXPECT_TRUE(RateAgrees(frameMHz, says)) << row.Name << " runs at " << frameMHz << " mHz";
+    }
 }
 
 // Mode names in any case; anything else, a system name only included, leaves the outputs alone.

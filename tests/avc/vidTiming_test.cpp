@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <iterator>
 #include <set>
@@ -71,6 +73,89 @@ TEST(VidTimingTables, MarksAgreeWithModeNames) {
         }
     }
     EXPECT_EQ(interlaced, (std::set<int32_t>{1, 2, 73, 74, 78, 79}));
+}
+
+// Timings as the standards publish them: pixel clock (kHz), then active, front porch, sync and
+// back porch of a line (pixels) and of a frame or field (lines), and the sync polarities (1
+// positive). Sources: CTA-861 (television formats) and VESA DMT with its CVT entries (computer
+// formats). The rows the system keeps identical to a standard must match them word for word.
+struct Standard {
+    int32_t Id;
+    uint32_t Clock, HAct, HFp, HSync, HBp, VAct, VFp, VSync, VBp, HPos, VPos;
+};
+
+// clang-format off
+/* Id, ClockKHz, HActive, HFront, HSync, HBack, VActive, VFront, VSync, VBack, H+, V+ */
+const Standard standards[] = {
+    {43,  74250, 1280,  110,  40, 220,  720, 5, 5, 20, 1, 1}, // CTA-861 VIC 4, 720p60; DMT 1280x720@60
+    {41,  74250, 1280,  440,  40, 220,  720, 5, 5, 20, 1, 1}, // CTA-861 VIC 19, 720p50
+    {83,  74250, 1280, 1760,  40, 220,  720, 5, 5, 20, 1, 1}, // CTA-861 VIC 62, 720p30
+    {82,  74250, 1280, 2420,  40, 220,  720, 5, 5, 20, 1, 1}, // CTA-861 VIC 61, 720p25
+    {77, 148500, 1920,   88,  44, 148, 1080, 4, 5, 36, 1, 1}, // CTA-861 VIC 16, 1080p60; DMT 1920x1080@60
+    {75, 148500, 1920,  528,  44, 148, 1080, 4, 5, 36, 1, 1}, // CTA-861 VIC 31, 1080p50
+    {81,  74250, 1920,   88,  44, 148, 1080, 4, 5, 36, 1, 1}, // CTA-861 VIC 34, 1080p30
+    {80,  74250, 1920,  528,  44, 148, 1080, 4, 5, 36, 1, 1}, // CTA-861 VIC 33, 1080p25
+    {79,  74250, 1920,   88,  44, 148,  540, 2, 5, 15, 1, 1}, // CTA-861 VIC 5, 1080i60, first field
+    {78,  74250, 1920,  528,  44, 148,  540, 2, 5, 15, 1, 1}, // CTA-861 VIC 20, 1080i50, first field
+    { 4,  25175,  640,   16,  96,  48,  480, 10, 2, 33, 0, 0}, // DMT 640x480@60
+    { 5,  31500,  640,   24,  40, 128,  480, 9, 3, 28, 0, 0}, // DMT 640x480@72
+    { 6,  31500,  640,   16,  64, 120,  480, 1, 3, 16, 0, 0}, // DMT 640x480@75
+    { 7,  36000,  640,   56,  56,  80,  480, 1, 3, 25, 0, 0}, // DMT 640x480@85
+    {10,  40000,  800,   40, 128,  88,  600, 1, 4, 23, 1, 1}, // DMT 800x600@60
+    {11,  50000,  800,   56, 120,  64,  600, 37, 6, 23, 1, 1}, // DMT 800x600@72
+    {12,  49500,  800,   16,  80, 160,  600, 1, 3, 21, 1, 1}, // DMT 800x600@75
+    {13,  56250,  800,   32,  64, 152,  600, 1, 3, 27, 1, 1}, // DMT 800x600@85
+    {14,  65000, 1024,   24, 136, 160,  768, 3, 6, 29, 0, 0}, // DMT 1024x768@60
+    {15,  75000, 1024,   24, 136, 144,  768, 3, 6, 29, 0, 0}, // DMT 1024x768@70
+    {16,  78750, 1024,   16,  96, 176,  768, 1, 3, 28, 1, 1}, // DMT 1024x768@75
+    {17,  94500, 1024,   48,  96, 208,  768, 1, 3, 36, 1, 1}, // DMT 1024x768@85
+    {21, 108000, 1280,   96, 112, 312,  960, 1, 3, 36, 1, 1}, // DMT 1280x960@60
+    {22, 148500, 1280,   64, 160, 224,  960, 1, 3, 47, 1, 1}, // DMT 1280x960@85
+    {23, 108000, 1280,   48, 112, 248, 1024, 1, 3, 38, 1, 1}, // DMT 1280x1024@60
+    {24, 135000, 1280,   16, 144, 248, 1024, 1, 3, 38, 1, 1}, // DMT 1280x1024@75
+    {25, 157500, 1280,   64, 160, 224, 1024, 1, 3, 44, 1, 1}, // DMT 1280x1024@85
+    {68, 121750, 1400,   88, 144, 232, 1050, 3, 4, 32, 0, 1}, // DMT 1400x1050@60 (CVT)
+    {30, 146250, 1680,  104, 176, 280, 1050, 3, 6, 30, 0, 1}, // DMT 1680x1050@60 (CVT)
+    {72, 119000, 1680,   48,  32,  80, 1050, 3, 6, 21, 1, 0}, // DMT 1680x1050@60 (CVT reduced blanking)
+    {35, 162000, 1600,   64, 192, 304, 1200, 1, 3, 46, 1, 1}, // DMT 1600x1200@60
+};
+// clang-format on
+
+TEST(VidTimingTables, StandardRowsMatchThePublishedTimings) {
+    for (const Standard &s : standards) {
+        const VidTiming t = Main(s.Id);
+        EXPECT_EQ(std::vector<uint32_t>({t.PixelClockKHz, t.HActive, t.HFrontPorch, t.HSyncWidth,
+                                         t.HBackPorch, t.VActive, t.VFrontPorch, t.VSyncWidth,
+                                         t.VBackPorch, t.HSyncPositive, t.VSyncPositive}),
+                  std::vector<uint32_t>({s.Clock, s.HAct, s.HFp, s.HSync, s.HBp, s.VAct, s.VFp,
+                                         s.VSync, s.VBp, s.HPos, s.VPos}))
+            << VidFormatNameOf(s.Id);
+    }
+}
+
+// On 74250 kHz each format's totals give its own frame rate or half of it, within 0.25%; the
+// 1080-line formats and 1280x960 at 60 Hz take the standard rasters of 1080p30 and 1080p25 on
+// that clock (CTA-861 VIC 34 and 33), and 480p, 1024x768 and 1600x1200 the worked examples.
+TEST(VidTimingTotals74, EachGivesItsRateOrHalfOnTheOneClock) {
+    for (const auto &row : VidTimingTotals74Table) {
+        const double own  = Main(row.FormatId).FrameRateMilliHz / 1000.0;
+        const double on74 = 74250000.0 / (row.HTotal * row.VTotal);
+        const double off  = std::min(std::fabs(on74 / own - 1), std::fabs(2 * on74 / own - 1));
+        EXPECT_LT(off, 0.0025) << row.FormatId << ": " << on74 << " Hz for " << own;
+    }
+    // clang-format off
+    /* FormatId, HTotal, VTotal (0: not given) */
+    const std::tuple<int32_t, uint32_t, uint32_t> known[] = {
+        {58, 2200, 1125}, {77, 2200, 1125}, {21, 2200, 1125}, {56, 2640, 1125}, {75, 2640, 1125},
+        {59, 3003, 825},  {14, 1274, 0},    {35, 1875, 1320},
+    };
+    // clang-format on
+    for (const auto &[id, h, v] : known) {
+        uint32_t hTotal = 0, vTotal = 0;
+        EXPECT_EQ(VidTimingTotals74(id, &hTotal, &vTotal), 0) << id;
+        EXPECT_EQ(hTotal, h) << id;
+        EXPECT_EQ(v == 0 ? 0 : vTotal, v) << id;
+    }
 }
 
 // Every id that a name, an alias, a list or a map gives has a record after folding, but the
@@ -314,6 +399,10 @@ TEST(VidTimingForClock, LineFollowsTheClockWithAMarginOfThree) {
     EXPECT_EQ(VidTimingForClock(14, 55000, &t), 0);
     EXPECT_EQ(std::tie(t.HTotal, t.HBlank, t.HSyncWidth, t.HBackPorch, t.HFrontPorch),
               std::make_tuple(1137u, 113u, 1u, 1u, 111u));
+    // At 63840 kHz the 296 pixels of blanking hold sync and back porch exactly: both stay.
+    EXPECT_EQ(VidTimingForClock(14, 63840, &t), 0);
+    EXPECT_EQ(std::tie(t.HTotal, t.HBlank, t.HSyncWidth, t.HBackPorch, t.HFrontPorch),
+              std::make_tuple(1320u, 296u, 136u, 160u, 0u));
     // At least 3 pixels of blanking; a failure leaves the table's row, or nothing without one.
     EXPECT_EQ(VidTimingForClock(23, 50000, &t), -1); // N = 781
     EXPECT_TRUE(Same(t, Main(23)));

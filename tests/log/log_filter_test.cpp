@@ -61,6 +61,9 @@ TEST_P(LogTableTest, RemoveIgnoresCaseAndFreesTheFirstMatch) {
               }),
               "");
     EXPECT_EQ(printed(t.list), listing(""));
+    // Emptied, the table filters nothing: a line that no text held goes through.
+    LogLevelPrintf(3, "through\n");
+    EXPECT_EQ(lines(), logtest::Lines{"ERROR pc[0]: through\n"});
 }
 
 // A text is cut to 369 characters on its way in; saving writes every slot, free ones empty;
