@@ -6,9 +6,7 @@
 #include <stdio.h>
 
 int main(void) {
-    static const uint8_t check[] = "123456789";
-    if (PWSwap16(PWCrc16(check, 9)) != 0x4B37 || ClockTickMillis() != 10 ||
-        SysTypeFromName("rowan") != 18) {
+    if (PWSwap16(0x1234) != 0x3412 || ClockTickMillis() != 10 || SysTypeFromName("rowan") != 18) {
         puts("installed library answers wrongly");
         return 1;
     }
