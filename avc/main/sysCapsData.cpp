@@ -8,6 +8,7 @@
 
 #include "Common/OS/osAssert.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -45,20 +46,20 @@ constexpr bool SameTextNoCase(const char *a, const char *b) {
     return lower(*a) == lower(*b);
 }
 
-// Rows 0 to N - 2 have a key, the last row has none.
-template <std::size_t N> constexpr bool IsClosed(const std::array<SysCapsRow, N> &rows) {
-    for (std::size_t i = 0; i + 1 < N; ++i) {
+using Rows = std::span<const SysCapsRow>;
+
+// Every row but the last has a key, the last has none.
+constexpr bool IsClosed(Rows rows) {
+    for (std::size_t i = 0; i + 1 < rows.size(); ++i) {
         if (rows[i].Key == nullptr) {
             return false;
         }
     }
-    return rows[N - 1].Key == nullptr;
+    return !rows.empty() && rows.back().Key == nullptr;
 }
 
-template <std::size_t N>
-constexpr const SysCapsRow *FindRow(const std::array<SysCapsRow, N> &rows, const char *key,
-                                    int32_t index) {
-    for (std::size_t i = 0; i + 1 < N; ++i) {
+constexpr const SysCapsRow *FindRow(Rows rows, const char *key, int32_t index) {
+    for (std::size_t i = 0; i + 1 < rows.size(); ++i) {
         if (SameText(rows[i].Key, key) && rows[i].Index == index) {
             return &rows[i];
         }
@@ -68,18 +69,18 @@ constexpr const SysCapsRow *FindRow(const std::array<SysCapsRow, N> &rows, const
 
 // Closed; no two rows share key (ignoring case) and index; every format is " %d " or a " %s "
 // with a text behind it.
-template <std::size_t N> constexpr bool TableIsSound(const std::array<SysCapsRow, N> &rows) {
+constexpr bool TableIsSound(Rows rows) {
     if (!IsClosed(rows)) {
         return false;
     }
-    for (std::size_t i = 0; i + 1 < N; ++i) {
+    for (std::size_t i = 0; i + 1 < rows.size(); ++i) {
         const SysCapsRow &row = rows[i];
         const bool isInt      = SameText(row.Format, kInt);
         const bool isText     = SameText(row.Format, kText);
         if (!(isInt || (isText && row.Value.Text != nullptr)) || row.Index < 0) {
             return false;
         }
-        for (std::size_t j = i + 1; j + 1 < N; ++j) {
+        for (std::size_t j = i + 1; j + 1 < rows.size(); ++j) {
             if (SameTextNoCase(row.Key, rows[j].Key) && row.Index == rows[j].Index) {
                 return false;
             }
@@ -89,11 +90,9 @@ template <std::size_t N> constexpr bool TableIsSound(const std::array<SysCapsRow
 }
 
 // The list key has exactly the indexes 0 to length - 1.
-template <std::size_t N>
-constexpr bool ListHasLength(const std::array<SysCapsRow, N> &rows, const char *listKey,
-                             intptr_t length) {
+constexpr bool ListHasLength(Rows rows, const char *listKey, intptr_t length) {
     intptr_t found = 0;
-    for (std::size_t i = 0; i + 1 < N; ++i) {
+    for (std::size_t i = 0; i + 1 < rows.size(); ++i) {
         if (SameText(rows[i].Key, listKey)) {
             if (rows[i].Index >= length) {
                 return false;
@@ -105,17 +104,14 @@ constexpr bool ListHasLength(const std::array<SysCapsRow, N> &rows, const char *
 }
 
 // The list key has as many rows as the count key says (none when the count key has no row).
-template <std::size_t N>
-constexpr bool ListMatchesCount(const std::array<SysCapsRow, N> &rows, const char *countKey,
-                                const char *listKey) {
+constexpr bool ListMatchesCount(Rows rows, const char *countKey, const char *listKey) {
     const SysCapsRow *count = FindRow(rows, countKey, 0);
     return ListHasLength(rows, listKey, count == nullptr ? 0 : count->Value.Number);
 }
 
-template <std::size_t NV, std::size_t NA, std::size_t NC, std::size_t NH>
-constexpr bool
-SetIsSound(const std::array<SysCapsRow, NV> &video, const std::array<SysCapsRow, NA> &audio,
-           const std::array<SysCapsRow, NC> &comm, const std::array<SysCapsRow, NH> &hardware) {
+// Every table is closed, has known formats, unique keys and the list lengths its counts say; the
+// IPC numbers of the main video DSPs follow the audio DSPs.
+constexpr bool SetIsSound(Rows video, Rows audio, Rows comm, Rows hardware) {
     const SysCapsRow *firstAudio = FindRow(audio, "IpcNumFirstAudioDsp", 0);
     const SysCapsRow *audioCnt   = FindRow(audio, "AudioDspCnt", 0);
     const SysCapsRow *firstVideo = FindRow(video, "IpcNumFirstMainVidDsp", 0);
@@ -131,14 +127,9 @@ SetIsSound(const std::array<SysCapsRow, NV> &video, const std::array<SysCapsRow,
            firstVideo->Value.Number == 1 + audioCnt->Value.Number;
 }
 
-template <std::size_t N> constexpr bool BlockIsSound(const std::array<SysCapsRow, N> &rows) {
-    return TableIsSound(rows);
-}
-
-// Eight connRate rows with the steps 0 to 7 in order.
-template <std::size_t N>
-constexpr bool ConnRateBlockIsSound(const std::array<SysCapsRow, N> &rows) {
-    if (N != 8 + 1) {
+// Eight connRate rows with the steps 0 to 7 in order, and the closing row.
+constexpr bool ConnRateBlockIsSound(Rows rows) {
+    if (!TableIsSound(rows) || rows.size() != 8 + 1) {
         return false;
     }
     for (std::size_t i = 0; i < 8; ++i) {
@@ -248,9 +239,9 @@ static_assert(!FanConfigIsSound("16,1,5,144,2,0,96,1,128") && !GainsAreSound("1,
 
 // ---- Category 0, "video" ----
 
-// Set 14, category 0: 51 rows.
+// Set 14, category 0.
 /* Key, Value, Index (list position; PixelWorks device for the gains), Format */
-constexpr std::array<SysCapsRow, 51 + 1> kVideo14 = {{
+constexpr auto kVideo14 = std::to_array<SysCapsRow>({
     {"HdamBoardType",         Num(0),   0, kInt},
     {"HdamFpgaType",          Num(1),   0, kInt},
     {"HdamFpgaVendor",        Num(0),   0, kInt},
@@ -308,11 +299,11 @@ constexpr std::array<SysCapsRow, 51 + 1> kVideo14 = {{
     // 50
     {"Ths7303CamCtrl",        Num(0),   0, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 16 (types 16 and 17), category 0: 45 rows.
+// Set 16 (types 16 and 17), category 0.
 /* Key, Value, Index (list position; PixelWorks device for the gains), Format */
-constexpr std::array<SysCapsRow, 45 + 1> kVideo16 = {{
+constexpr auto kVideo16 = std::to_array<SysCapsRow>({
     {"HdamBoardType",         Num(0),  0, kInt},
     {"HdamFpgaType",          Num(1),  0, kInt},
     {"HdamFpgaVendor",        Num(0),  0, kInt},
@@ -363,11 +354,11 @@ constexpr std::array<SysCapsRow, 45 + 1> kVideo16 = {{
     {"ViopCamCtrl",           Num(62), 0, kInt},
     {"Ths7303CamCtrl",        Num(0),  0, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 18, category 0: 46 rows.
+// Set 18, category 0.
 /* Key, Value, Index (list position; PixelWorks device for the gains), Format */
-constexpr std::array<SysCapsRow, 46 + 1> kVideo18 = {{
+constexpr auto kVideo18 = std::to_array<SysCapsRow>({
     {"HdamBoardType",         Num(0),              0, kInt},
     {"HdamFpgaType",          Num(1),              0, kInt},
     {"HdamFpgaVendor",        Num(0),              0, kInt},
@@ -419,11 +410,11 @@ constexpr std::array<SysCapsRow, 46 + 1> kVideo18 = {{
     {"SvideoGains",           Text(kSvideoGains1), 1, kText},
     {"VGAGains",              Text(kVgaGains2),    2, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 20, category 0: 44 rows.
+// Set 20, category 0.
 /* Key, Value, Index (list position; PixelWorks device for the gains), Format */
-constexpr std::array<SysCapsRow, 44 + 1> kVideo20 = {{
+constexpr auto kVideo20 = std::to_array<SysCapsRow>({
     {"HdamBoardType",         Num(0),              0, kInt},
     {"HdamFpgaType",          Num(1),              0, kInt},
     {"HdamFpgaVendor",        Num(0),              0, kInt},
@@ -473,11 +464,11 @@ constexpr std::array<SysCapsRow, 44 + 1> kVideo20 = {{
     {"SvideoGains",           Text(kSvideoGains0), 0, kText},
     {"VGAGains",              Text(kVgaGains2),    2, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 21, category 0: 44 rows.
+// Set 21, category 0.
 /* Key, Value, Index (list position; PixelWorks device for the gains), Format */
-constexpr std::array<SysCapsRow, 44 + 1> kVideo21 = {{
+constexpr auto kVideo21 = std::to_array<SysCapsRow>({
     {"HdamBoardType",         Num(0),              0, kInt},
     {"HdamFpgaType",          Num(1),              0, kInt},
     {"HdamFpgaVendor",        Num(0),              0, kInt},
@@ -527,11 +518,11 @@ constexpr std::array<SysCapsRow, 44 + 1> kVideo21 = {{
     {"SvideoGains",           Text(kSvideoGains0), 0, kText},
     {"VGAGains",              Text(kVgaGains2),    2, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 22, category 0: 40 rows.
+// Set 22, category 0.
 /* Key, Value, Index (list position; PixelWorks device for the gains), Format */
-constexpr std::array<SysCapsRow, 40 + 1> kVideo22 = {{
+constexpr auto kVideo22 = std::to_array<SysCapsRow>({
     {"HdamBoardType",         Num(0),              0, kInt},
     {"HdamFpgaType",          Num(1),              0, kInt},
     {"HdamFpgaVendor",        Num(0),              0, kInt},
@@ -576,11 +567,11 @@ constexpr std::array<SysCapsRow, 40 + 1> kVideo22 = {{
     {"SvideoGains",           Text(kSvideoGains0), 0, kText},
     {"VGAGains",              Text(kVgaGains2),    2, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 23, category 0: 46 rows.
+// Set 23, category 0.
 /* Key, Value, Index (list position; PixelWorks device for the gains), Format */
-constexpr std::array<SysCapsRow, 46 + 1> kVideo23 = {{
+constexpr auto kVideo23 = std::to_array<SysCapsRow>({
     {"HdamBoardType",         Num(0),              0, kInt},
     {"HdamFpgaType",          Num(1),              0, kInt},
     {"HdamFpgaVendor",        Num(0),              0, kInt},
@@ -632,13 +623,13 @@ constexpr std::array<SysCapsRow, 46 + 1> kVideo23 = {{
     {"SvideoGains",           Text(kSvideoGains1), 1, kText},
     {"VGAGains",              Text(kVgaGains2),    2, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
 // ---- Category 1, "audio" ----
 
-// Set 14, category 1: 8 rows.
+// Set 14, category 1.
 /* Key, Value, Index (list position), Format */
-constexpr std::array<SysCapsRow, 8 + 1> kAudio14 = {{
+constexpr auto kAudio14 = std::to_array<SysCapsRow>({
     {"IpcNumFirstAudioDsp", Num(1), 0, kInt},
     {"AudioDspCnt",         Num(3), 0, kInt},
     {"AudioDspPciBus",      Num(3), 0, kInt},
@@ -648,11 +639,11 @@ constexpr std::array<SysCapsRow, 8 + 1> kAudio14 = {{
     {"AudioDspPciDev",      Num(1), 1, kInt},
     {"AudioDspPciDev",      Num(2), 2, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 16 (types 16 and 17), category 1: 6 rows.
+// Set 16 (types 16 and 17), category 1.
 /* Key, Value, Index (list position), Format */
-constexpr std::array<SysCapsRow, 6 + 1> kAudio16 = {{
+constexpr auto kAudio16 = std::to_array<SysCapsRow>({
     {"IpcNumFirstAudioDsp", Num(1), 0, kInt},
     {"AudioDspCnt",         Num(2), 0, kInt},
     {"AudioDspPciBus",      Num(3), 0, kInt},
@@ -660,63 +651,63 @@ constexpr std::array<SysCapsRow, 6 + 1> kAudio16 = {{
     {"AudioDspPciDev",      Num(1), 0, kInt},
     {"AudioDspPciDev",      Num(2), 1, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 18, category 1: 4 rows.
+// Set 18, category 1.
 /* Key, Value, Index (list position), Format */
-constexpr std::array<SysCapsRow, 4 + 1> kAudio18 = {{
+constexpr auto kAudio18 = std::to_array<SysCapsRow>({
     {"IpcNumFirstAudioDsp", Num(1),  0, kInt},
     {"AudioDspCnt",         Num(1),  0, kInt},
     {"AudioDspPciBus",      Num(0),  0, kInt},
     {"AudioDspPciDev",      Num(16), 0, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 20, category 1: 4 rows.
+// Set 20, category 1.
 /* Key, Value, Index (list position), Format */
-constexpr std::array<SysCapsRow, 4 + 1> kAudio20 = {{
+constexpr auto kAudio20 = std::to_array<SysCapsRow>({
     {"IpcNumFirstAudioDsp", Num(1),  0, kInt},
     {"AudioDspCnt",         Num(1),  0, kInt},
     {"AudioDspPciBus",      Num(0),  0, kInt},
     {"AudioDspPciDev",      Num(16), 0, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 21, category 1: 4 rows.
+// Set 21, category 1.
 /* Key, Value, Index (list position), Format */
-constexpr std::array<SysCapsRow, 4 + 1> kAudio21 = {{
+constexpr auto kAudio21 = std::to_array<SysCapsRow>({
     {"IpcNumFirstAudioDsp", Num(1),  0, kInt},
     {"AudioDspCnt",         Num(1),  0, kInt},
     {"AudioDspPciBus",      Num(0),  0, kInt},
     {"AudioDspPciDev",      Num(16), 0, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 22, category 1: 4 rows.
+// Set 22, category 1.
 /* Key, Value, Index (list position), Format */
-constexpr std::array<SysCapsRow, 4 + 1> kAudio22 = {{
+constexpr auto kAudio22 = std::to_array<SysCapsRow>({
     {"IpcNumFirstAudioDsp", Num(1),  0, kInt},
     {"AudioDspCnt",         Num(1),  0, kInt},
     {"AudioDspPciBus",      Num(0),  0, kInt},
     {"AudioDspPciDev",      Num(16), 0, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 23, category 1: 4 rows.
+// Set 23, category 1.
 /* Key, Value, Index (list position), Format */
-constexpr std::array<SysCapsRow, 4 + 1> kAudio23 = {{
+constexpr auto kAudio23 = std::to_array<SysCapsRow>({
     {"IpcNumFirstAudioDsp", Num(1),  0, kInt},
     {"AudioDspCnt",         Num(1),  0, kInt},
     {"AudioDspPciBus",      Num(0),  0, kInt},
     {"AudioDspPciDev",      Num(16), 0, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
 // ---- Category 2, "comm" ----
 
-// Set 14, category 2: 27 rows.
+// Set 14, category 2.
 /* Key, Value, Index (list position; step for connRate), Format */
-constexpr std::array<SysCapsRow, 27 + 1> kComm14 = {{
+constexpr auto kComm14 = std::to_array<SysCapsRow>({
     {"maxConfs",               Num(1),    0, kInt},
     {"maxVideoStreamsPerConn", Num(2),    0, kInt},
     {"maxIPNICs",              Num(1),    0, kInt},
@@ -747,11 +738,11 @@ constexpr std::array<SysCapsRow, 27 + 1> kComm14 = {{
     {"connRate",               Num(384),  6, kInt},
     {"connRate",               Num(384),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 16 (types 16 and 17), category 2: 27 rows.
+// Set 16 (types 16 and 17), category 2.
 /* Key, Value, Index (list position; step for connRate), Format */
-constexpr std::array<SysCapsRow, 27 + 1> kComm16 = {{
+constexpr auto kComm16 = std::to_array<SysCapsRow>({
     {"maxConfs",               Num(1),    0, kInt},
     {"maxVideoStreamsPerConn", Num(2),    0, kInt},
     {"maxIPNICs",              Num(1),    0, kInt},
@@ -782,11 +773,11 @@ constexpr std::array<SysCapsRow, 27 + 1> kComm16 = {{
     {"connRate",               Num(320),  6, kInt},
     {"connRate",               Num(256),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 18, category 2: 27 rows.
+// Set 18, category 2.
 /* Key, Value, Index (list position; step for connRate), Format */
-constexpr std::array<SysCapsRow, 27 + 1> kComm18 = {{
+constexpr auto kComm18 = std::to_array<SysCapsRow>({
     {"maxConfs",               Num(1),    0, kInt},
     {"maxVideoStreamsPerConn", Num(2),    0, kInt},
     {"maxIPNICs",              Num(1),    0, kInt},
@@ -817,11 +808,11 @@ constexpr std::array<SysCapsRow, 27 + 1> kComm18 = {{
     {"connRate",               Num(320),  6, kInt},
     {"connRate",               Num(256),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 20, category 2: 27 rows.
+// Set 20, category 2.
 /* Key, Value, Index (list position; step for connRate), Format */
-constexpr std::array<SysCapsRow, 27 + 1> kComm20 = {{
+constexpr auto kComm20 = std::to_array<SysCapsRow>({
     {"maxConfs",               Num(1),    0, kInt},
     {"maxVideoStreamsPerConn", Num(2),    0, kInt},
     {"maxIPNICs",              Num(1),    0, kInt},
@@ -852,11 +843,11 @@ constexpr std::array<SysCapsRow, 27 + 1> kComm20 = {{
     {"connRate",               Num(320),  6, kInt},
     {"connRate",               Num(256),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 21, category 2: 27 rows.
+// Set 21, category 2.
 /* Key, Value, Index (list position; step for connRate), Format */
-constexpr std::array<SysCapsRow, 27 + 1> kComm21 = {{
+constexpr auto kComm21 = std::to_array<SysCapsRow>({
     {"maxConfs",               Num(1),    0, kInt},
     {"maxVideoStreamsPerConn", Num(2),    0, kInt},
     {"maxIPNICs",              Num(1),    0, kInt},
@@ -887,11 +878,11 @@ constexpr std::array<SysCapsRow, 27 + 1> kComm21 = {{
     {"connRate",               Num(320),  6, kInt},
     {"connRate",               Num(256),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 22, category 2: 27 rows.
+// Set 22, category 2.
 /* Key, Value, Index (list position; step for connRate), Format */
-constexpr std::array<SysCapsRow, 27 + 1> kComm22 = {{
+constexpr auto kComm22 = std::to_array<SysCapsRow>({
     {"maxConfs",               Num(1),    0, kInt},
     {"maxVideoStreamsPerConn", Num(2),    0, kInt},
     {"maxIPNICs",              Num(1),    0, kInt},
@@ -922,11 +913,11 @@ constexpr std::array<SysCapsRow, 27 + 1> kComm22 = {{
     {"connRate",               Num(320),  6, kInt},
     {"connRate",               Num(256),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 23, category 2: 27 rows.
+// Set 23, category 2.
 /* Key, Value, Index (list position; step for connRate), Format */
-constexpr std::array<SysCapsRow, 27 + 1> kComm23 = {{
+constexpr auto kComm23 = std::to_array<SysCapsRow>({
     {"maxConfs",               Num(1),    0, kInt},
     {"maxVideoStreamsPerConn", Num(2),    0, kInt},
     {"maxIPNICs",              Num(1),    0, kInt},
@@ -957,13 +948,13 @@ constexpr std::array<SysCapsRow, 27 + 1> kComm23 = {{
     {"connRate",               Num(320),  6, kInt},
     {"connRate",               Num(256),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
 // ---- Category 3, "hardware" ----
 
-// Set 14, category 3: 21 rows.
+// Set 14, category 3.
 /* Key, Value, Index (list position; fan for FanConfig), Format */
-constexpr std::array<SysCapsRow, 21 + 1> kHardware14 = {{
+constexpr auto kHardware14 = std::to_array<SysCapsRow>({
     {"numProcessors",                Num(4),        0, kInt},
     {"maxMicpods",                   Num(3),        0, kInt},
     {"numTethers",                   Num(1),        0, kInt},
@@ -988,11 +979,11 @@ constexpr std::array<SysCapsRow, 21 + 1> kHardware14 = {{
     // 20
     {"PowerMicrocontrollerFileName", Text("bogus"), 0, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 16 (types 16 and 17), category 3: 37 rows.
+// Set 16 (types 16 and 17), category 3.
 /* Key, Value, Index (list position; fan for FanConfig), Format */
-constexpr std::array<SysCapsRow, 37 + 1> kHardware16 = {{
+constexpr auto kHardware16 = std::to_array<SysCapsRow>({
     {"numProcessors",                Num(4),                   0, kInt},
     {"maxMicpods",                   Num(3),                   0, kInt},
     {"numTethers",                   Num(1),                   0, kInt},
@@ -1034,11 +1025,11 @@ constexpr std::array<SysCapsRow, 37 + 1> kHardware16 = {{
     {"FanConfig",                    Text(kFanConfig16_1),     1, kText},
     {"FanConfig",                    Text(kFanConfig16_2),     2, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 18, category 3: 36 rows.
+// Set 18, category 3.
 /* Key, Value, Index (list position; fan for FanConfig), Format */
-constexpr std::array<SysCapsRow, 36 + 1> kHardware18 = {{
+constexpr auto kHardware18 = std::to_array<SysCapsRow>({
     {"numProcessors",                Num(4),                     0, kInt},
     {"maxMicpods",                   Num(3),                     0, kInt},
     {"numTethers",                   Num(1),                     0, kInt},
@@ -1079,11 +1070,11 @@ constexpr std::array<SysCapsRow, 36 + 1> kHardware18 = {{
     {"FanConfig",                    Text(kFanConfig18_0),       0, kText},
     {"FanConfig",                    Text(kFanConfig18_1),       1, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 20, category 3: 34 rows.
+// Set 20, category 3.
 /* Key, Value, Index (list position; fan for FanConfig), Format */
-constexpr std::array<SysCapsRow, 34 + 1> kHardware20 = {{
+constexpr auto kHardware20 = std::to_array<SysCapsRow>({
     {"numProcessors",                Num(4),                     0, kInt},
     {"maxMicpods",                   Num(3),                     0, kInt},
     {"numTethers",                   Num(1),                     0, kInt},
@@ -1122,11 +1113,11 @@ constexpr std::array<SysCapsRow, 34 + 1> kHardware20 = {{
     {"FanConfig",                    Text(kFanConfig18_0),       0, kText},
     {"FanConfig",                    Text(kFanConfig18_1),       1, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 21, category 3: 36 rows.
+// Set 21, category 3.
 /* Key, Value, Index (list position; fan for FanConfig), Format */
-constexpr std::array<SysCapsRow, 36 + 1> kHardware21 = {{
+constexpr auto kHardware21 = std::to_array<SysCapsRow>({
     {"numProcessors",                Num(4),                     0, kInt},
     {"maxMicpods",                   Num(3),                     0, kInt},
     {"numTethers",                   Num(1),                     0, kInt},
@@ -1167,11 +1158,11 @@ constexpr std::array<SysCapsRow, 36 + 1> kHardware21 = {{
     {"FanConfig",                    Text(kFanConfig18_0),       0, kText},
     {"FanConfig",                    Text(kFanConfig18_1),       1, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 22, category 3: 34 rows.
+// Set 22, category 3.
 /* Key, Value, Index (list position; fan for FanConfig), Format */
-constexpr std::array<SysCapsRow, 34 + 1> kHardware22 = {{
+constexpr auto kHardware22 = std::to_array<SysCapsRow>({
     {"numProcessors",                Num(4),                   0, kInt},
     {"maxMicpods",                   Num(3),                   0, kInt},
     {"numTethers",                   Num(1),                   0, kInt},
@@ -1210,11 +1201,11 @@ constexpr std::array<SysCapsRow, 34 + 1> kHardware22 = {{
     {"FanConfig",                    Text(kFanConfig22_0),     0, kText},
     {"FanConfig",                    Text(kFanConfig22_1),     1, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Set 23, category 3: 36 rows.
+// Set 23, category 3.
 /* Key, Value, Index (list position; fan for FanConfig), Format */
-constexpr std::array<SysCapsRow, 36 + 1> kHardware23 = {{
+constexpr auto kHardware23 = std::to_array<SysCapsRow>({
     {"numProcessors",                Num(4),                     0, kInt},
     {"maxMicpods",                   Num(3),                     0, kInt},
     {"numTethers",                   Num(1),                     0, kInt},
@@ -1255,21 +1246,21 @@ constexpr std::array<SysCapsRow, 36 + 1> kHardware23 = {{
     {"FanConfig",                    Text(kFanConfig18_0),       0, kText},
     {"FanConfig",                    Text(kFanConfig18_1),       1, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
 // ---- Category 4 ----
 
-// One table for every set: 1 row.
+// One table for every set.
 /* Key, Value, Index, Format */
-constexpr std::array<SysCapsRow, 1 + 1> kCategory4 = {{
+constexpr auto kCategory4 = std::to_array<SysCapsRow>({
     {"amxRevision", Text("1.0.0"), 0, kText},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 // ---- Override blocks of the HDAM boards (category 0; only Key, Value and Index are read) ----
 
-// Block A: 15 rows.
+// Block A.
 /* Key, Value, Index (HDAM DSP position), Format */
-constexpr std::array<SysCapsRow, 15 + 1> boardBlockA = {{
+constexpr auto boardBlockA = std::to_array<SysCapsRow>({
     {"HdamFpgaType",       Num(2),  0, kInt},
     {"HdamFpgaVendor",     Num(2),  0, kInt},
     {"HdamDspType",        Num(1),  0, kInt},
@@ -1287,11 +1278,11 @@ constexpr std::array<SysCapsRow, 15 + 1> boardBlockA = {{
     {"HdamDspPciBus",      Num(9),  4, kInt},
     {"HdamDspPciDev",      Num(2),  4, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Block B: 15 rows.
+// Block B.
 /* Key, Value, Index (HDAM DSP position), Format */
-constexpr std::array<SysCapsRow, 15 + 1> boardBlockB = {{
+constexpr auto boardBlockB = std::to_array<SysCapsRow>({
     {"HdamFpgaType",       Num(2), 0, kInt},
     {"HdamFpgaVendor",     Num(2), 0, kInt},
     {"HdamDspType",        Num(1), 0, kInt},
@@ -1309,11 +1300,11 @@ constexpr std::array<SysCapsRow, 15 + 1> boardBlockB = {{
     {"HdamDspPciBus",      Num(9), 4, kInt},
     {"HdamDspPciDev",      Num(2), 4, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Block C: 15 rows.
+// Block C.
 /* Key, Value, Index (HDAM DSP position), Format */
-constexpr std::array<SysCapsRow, 15 + 1> boardBlockC = {{
+constexpr auto boardBlockC = std::to_array<SysCapsRow>({
     {"HdamFpgaType",       Num(1), 0, kInt},
     {"HdamFpgaVendor",     Num(1), 0, kInt},
     {"HdamDspType",        Num(1), 0, kInt},
@@ -1331,11 +1322,11 @@ constexpr std::array<SysCapsRow, 15 + 1> boardBlockC = {{
     {"HdamDspPciBus",      Num(8), 4, kInt},
     {"HdamDspPciDev",      Num(4), 4, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Block D: 12 rows.
+// Block D.
 /* Key, Value, Index (HDAM DSP position), Format */
-constexpr std::array<SysCapsRow, 12 + 1> boardBlockD = {{
+constexpr auto boardBlockD = std::to_array<SysCapsRow>({
     {"HdamFpgaType",       Num(3), 0, kInt},
     {"HdamFpgaVendor",     Num(3), 0, kInt},
     {"HdamDspType",        Num(1), 0, kInt},
@@ -1350,11 +1341,11 @@ constexpr std::array<SysCapsRow, 12 + 1> boardBlockD = {{
     {"HdamDspPciDev",      Num(3), 2, kInt},
     {"HwNumGennums",       Num(2), 0, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Block E: 12 rows.
+// Block E.
 /* Key, Value, Index (HDAM DSP position), Format */
-constexpr std::array<SysCapsRow, 12 + 1> boardBlockE = {{
+constexpr auto boardBlockE = std::to_array<SysCapsRow>({
     {"HdamFpgaType",       Num(3), 0, kInt},
     {"HdamFpgaVendor",     Num(3), 0, kInt},
     {"HdamDspType",        Num(2), 0, kInt},
@@ -1369,11 +1360,11 @@ constexpr std::array<SysCapsRow, 12 + 1> boardBlockE = {{
     {"HdamDspPciDev",      Num(3), 2, kInt},
     {"HwNumGennums",       Num(2), 0, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Block F: 11 rows.
+// Block F.
 /* Key, Value, Index (HDAM DSP position), Format */
-constexpr std::array<SysCapsRow, 11 + 1> boardBlockF = {{
+constexpr auto boardBlockF = std::to_array<SysCapsRow>({
     {"HdamFpgaType",       Num(1), 0, kInt},
     {"HdamFpgaVendor",     Num(1), 0, kInt},
     {"HdamDspType",        Num(2), 0, kInt},
@@ -1387,11 +1378,11 @@ constexpr std::array<SysCapsRow, 11 + 1> boardBlockF = {{
     // 10
     {"HdamDspPciDev",      Num(3), 2, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
-// Block G: 7 rows.
+// Block G.
 /* Key, Value, Index (HDAM DSP position), Format */
-constexpr std::array<SysCapsRow, 7 + 1> boardBlockG = {{
+constexpr auto boardBlockG = std::to_array<SysCapsRow>({
     {"HdamFpgaType",       Num(1),  0, kInt},
     {"HdamFpgaVendor",     Num(1),  0, kInt},
     {"HdamDspType",        Num(2),  0, kInt},
@@ -1400,12 +1391,12 @@ constexpr std::array<SysCapsRow, 7 + 1> boardBlockG = {{
     {"HdamDspPciBus",      Num(0),  0, kInt},
     {"HdamDspPciDev",      Num(18), 0, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 // ---- connRate blocks (category 2) ----
 
 // Block A.
 /* Key, Value (rate), Index (step), Format */
-constexpr std::array<SysCapsRow, 8 + 1> connRateBlockA = {{
+constexpr auto connRateBlockA = std::to_array<SysCapsRow>({
     {"connRate", Num(1920), 0, kInt},
     {"connRate", Num(1920), 1, kInt},
     {"connRate", Num(960),  2, kInt},
@@ -1415,11 +1406,11 @@ constexpr std::array<SysCapsRow, 8 + 1> connRateBlockA = {{
     {"connRate", Num(320),  6, kInt},
     {"connRate", Num(256),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
 // Block B.
 /* Key, Value (rate), Index (step), Format */
-constexpr std::array<SysCapsRow, 8 + 1> connRateBlockB = {{
+constexpr auto connRateBlockB = std::to_array<SysCapsRow>({
     {"connRate", Num(1920), 0, kInt},
     {"connRate", Num(1920), 1, kInt},
     {"connRate", Num(1024), 2, kInt},
@@ -1429,11 +1420,11 @@ constexpr std::array<SysCapsRow, 8 + 1> connRateBlockB = {{
     {"connRate", Num(320),  6, kInt},
     {"connRate", Num(256),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
 // Block C.
 /* Key, Value (rate), Index (step), Format */
-constexpr std::array<SysCapsRow, 8 + 1> connRateBlockC = {{
+constexpr auto connRateBlockC = std::to_array<SysCapsRow>({
     {"connRate", Num(4096), 0, kInt},
     {"connRate", Num(4096), 1, kInt},
     {"connRate", Num(1920), 2, kInt},
@@ -1443,11 +1434,11 @@ constexpr std::array<SysCapsRow, 8 + 1> connRateBlockC = {{
     {"connRate", Num(640),  6, kInt},
     {"connRate", Num(512),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
 // Block D.
 /* Key, Value (rate), Index (step), Format */
-constexpr std::array<SysCapsRow, 8 + 1> connRateBlockD = {{
+constexpr auto connRateBlockD = std::to_array<SysCapsRow>({
     {"connRate", Num(4096), 0, kInt},
     {"connRate", Num(4096), 1, kInt},
     {"connRate", Num(1920), 2, kInt},
@@ -1457,11 +1448,11 @@ constexpr std::array<SysCapsRow, 8 + 1> connRateBlockD = {{
     {"connRate", Num(640),  6, kInt},
     {"connRate", Num(512),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
 // Block E.
 /* Key, Value (rate), Index (step), Format */
-constexpr std::array<SysCapsRow, 8 + 1> connRateBlockE = {{
+constexpr auto connRateBlockE = std::to_array<SysCapsRow>({
     {"connRate", Num(6144), 0, kInt},
     {"connRate", Num(6144), 1, kInt},
     {"connRate", Num(1920), 2, kInt},
@@ -1471,11 +1462,11 @@ constexpr std::array<SysCapsRow, 8 + 1> connRateBlockE = {{
     {"connRate", Num(640),  6, kInt},
     {"connRate", Num(512),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
 // Block F.
 /* Key, Value (rate), Index (step), Format */
-constexpr std::array<SysCapsRow, 8 + 1> connRateBlockF = {{
+constexpr auto connRateBlockF = std::to_array<SysCapsRow>({
     {"connRate", Num(6144), 0, kInt},
     {"connRate", Num(6144), 1, kInt},
     {"connRate", Num(1920), 2, kInt},
@@ -1485,11 +1476,11 @@ constexpr std::array<SysCapsRow, 8 + 1> connRateBlockF = {{
     {"connRate", Num(640),  6, kInt},
     {"connRate", Num(512),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
 // Block G.
 /* Key, Value (rate), Index (step), Format */
-constexpr std::array<SysCapsRow, 8 + 1> connRateBlockG = {{
+constexpr auto connRateBlockG = std::to_array<SysCapsRow>({
     {"connRate", Num(8192), 0, kInt},
     {"connRate", Num(4096), 1, kInt},
     {"connRate", Num(3072), 2, kInt},
@@ -1499,11 +1490,11 @@ constexpr std::array<SysCapsRow, 8 + 1> connRateBlockG = {{
     {"connRate", Num(640),  6, kInt},
     {"connRate", Num(512),  7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 
 // Block H.
 /* Key, Value (rate), Index (step), Format */
-constexpr std::array<SysCapsRow, 8 + 1> connRateBlockH = {{
+constexpr auto connRateBlockH = std::to_array<SysCapsRow>({
     {"connRate", Num(8192), 0, kInt},
     {"connRate", Num(4096), 1, kInt},
     {"connRate", Num(3072), 2, kInt},
@@ -1513,129 +1504,120 @@ constexpr std::array<SysCapsRow, 8 + 1> connRateBlockH = {{
     {"connRate", Num(1024), 6, kInt},
     {"connRate", Num(1024), 7, kInt},
     {nullptr, Num(0), 0, nullptr},
-}};
+});
 // clang-format on
 
-// Every row of a block has its key and index in category 0 of every set, so none is skipped.
-template <std::size_t N> constexpr bool BlockFitsEverySet(const std::array<SysCapsRow, N> &block) {
-    for (std::size_t i = 0; i + 1 < N; ++i) {
-        const char *key     = block[i].Key;
-        const int32_t index = block[i].Index;
-        if (FindRow(kVideo14, key, index) == nullptr || FindRow(kVideo16, key, index) == nullptr ||
-            FindRow(kVideo18, key, index) == nullptr || FindRow(kVideo20, key, index) == nullptr ||
-            FindRow(kVideo21, key, index) == nullptr || FindRow(kVideo22, key, index) == nullptr ||
-            FindRow(kVideo23, key, index) == nullptr) {
+// ---- Live rows: changed in place by SysCapsSet and the board step ----
+
+// The live copy of a constant table, constant-initialised: nothing runs at start-up.
+template <const auto &Start> constinit auto liveRows = Start;
+
+// One category table of a set: its live rows and the constant rows they start from.
+struct LiveTable {
+    SysCapsRow *Rows;
+    std::span<const SysCapsRow> Start;
+};
+
+template <const auto &Start> constexpr LiveTable Live() {
+    return {liveRows<Start>.data(), Start};
+}
+
+// One table set: the SysTypes that use it (0: none) and its tables by category.
+struct SetRow {
+    int32_t Type;
+    int32_t AlsoType;
+    std::array<LiveTable, kCategoryCount> Tables;
+};
+
+// clang-format off
+/* SysType, other SysType, category 0 video, 1 audio, 2 comm, 3 hardware, 4 (one table for every set) */
+constexpr SetRow setRows[] = {
+    {14, 0,  {Live<kVideo14>(), Live<kAudio14>(), Live<kComm14>(), Live<kHardware14>(), Live<kCategory4>()}},
+    {16, 17, {Live<kVideo16>(), Live<kAudio16>(), Live<kComm16>(), Live<kHardware16>(), Live<kCategory4>()}},
+    {18, 0,  {Live<kVideo18>(), Live<kAudio18>(), Live<kComm18>(), Live<kHardware18>(), Live<kCategory4>()}},
+    {20, 0,  {Live<kVideo20>(), Live<kAudio20>(), Live<kComm20>(), Live<kHardware20>(), Live<kCategory4>()}},
+    {21, 0,  {Live<kVideo21>(), Live<kAudio21>(), Live<kComm21>(), Live<kHardware21>(), Live<kCategory4>()}},
+    {22, 0,  {Live<kVideo22>(), Live<kAudio22>(), Live<kComm22>(), Live<kHardware22>(), Live<kCategory4>()}},
+    {23, 0,  {Live<kVideo23>(), Live<kAudio23>(), Live<kComm23>(), Live<kHardware23>(), Live<kCategory4>()}},
+};
+
+/* Blocks in the order of BoardBlock and ConnRateBlock */
+constexpr Rows boardBlocks[]    = {boardBlockA, boardBlockB, boardBlockC, boardBlockD, boardBlockE, boardBlockF, boardBlockG};
+constexpr Rows connRateBlocks[] = {connRateBlockA, connRateBlockB, connRateBlockC, connRateBlockD,
+                                   connRateBlockE, connRateBlockF, connRateBlockG, connRateBlockH};
+// clang-format on
+
+// ---- Checks of the data ----
+
+// Every set is sound; so are the blocks; every row of a board block finds its row in category 0
+// of every set, so none is skipped.
+constexpr bool DataIsSound() {
+    for (const SetRow &set : setRows) {
+        if (!SetIsSound(set.Tables[0].Start, set.Tables[1].Start, set.Tables[2].Start,
+                        set.Tables[3].Start) ||
+            !TableIsSound(set.Tables[4].Start)) {
+            return false;
+        }
+    }
+    for (Rows block : boardBlocks) {
+        if (!TableIsSound(block)) {
+            return false;
+        }
+        for (std::size_t i = 0; i + 1 < block.size(); ++i) {
+            for (const SetRow &set : setRows) {
+                if (FindRow(set.Tables[0].Start, block[i].Key, block[i].Index) == nullptr) {
+                    return false;
+                }
+            }
+        }
+    }
+    for (Rows block : connRateBlocks) {
+        if (!ConnRateBlockIsSound(block)) {
             return false;
         }
     }
     return true;
 }
+static_assert(DataIsSound());
+static_assert(std::size(boardBlocks) == static_cast<std::size_t>(BoardBlock::G) + 1 &&
+                  std::size(connRateBlocks) == static_cast<std::size_t>(ConnRateBlock::H) + 1,
+              "one block for each name");
 
-// ---- Checks of the data ----
+// ---- Table sets and their selection, derived from the set rows ----
 
-// Every table is closed, has known formats, unique keys and the list lengths its counts say; the
-// IPC numbers of the main video DSPs follow the audio DSPs. Row counts are in the array sizes.
+constexpr std::size_t kSetCount = std::size(setRows);
 
-static_assert(SetIsSound(kVideo14, kAudio14, kComm14, kHardware14));
-static_assert(SetIsSound(kVideo16, kAudio16, kComm16, kHardware16));
-static_assert(SetIsSound(kVideo18, kAudio18, kComm18, kHardware18));
-static_assert(SetIsSound(kVideo20, kAudio20, kComm20, kHardware20));
-static_assert(SetIsSound(kVideo21, kAudio21, kComm21, kHardware21));
-static_assert(SetIsSound(kVideo22, kAudio22, kComm22, kHardware22));
-static_assert(SetIsSound(kVideo23, kAudio23, kComm23, kHardware23));
-static_assert(TableIsSound(kCategory4));
+constexpr std::array<TableSet, kSetCount> MakeTableSets() {
+    std::array<TableSet, kSetCount> sets{};
+    for (std::size_t i = 0; i < kSetCount; ++i) {
+        for (std::size_t c = 0; c < kCategoryCount; ++c) {
+            sets[i][c] = setRows[i].Tables[c].Rows;
+        }
+    }
+    return sets;
+}
+constexpr std::array<TableSet, kSetCount> tableSets = MakeTableSets();
 
-// Every row of every board block finds its row in category 0 of every set: none is skipped.
-static_assert(BlockIsSound(boardBlockA) && BlockFitsEverySet(boardBlockA));
-static_assert(BlockIsSound(boardBlockB) && BlockFitsEverySet(boardBlockB));
-static_assert(BlockIsSound(boardBlockC) && BlockFitsEverySet(boardBlockC));
-static_assert(BlockIsSound(boardBlockD) && BlockFitsEverySet(boardBlockD));
-static_assert(BlockIsSound(boardBlockE) && BlockFitsEverySet(boardBlockE));
-static_assert(BlockIsSound(boardBlockF) && BlockFitsEverySet(boardBlockF));
-static_assert(BlockIsSound(boardBlockG) && BlockFitsEverySet(boardBlockG));
-static_assert(BlockIsSound(connRateBlockA) && ConnRateBlockIsSound(connRateBlockA));
-static_assert(BlockIsSound(connRateBlockB) && ConnRateBlockIsSound(connRateBlockB));
-static_assert(BlockIsSound(connRateBlockC) && ConnRateBlockIsSound(connRateBlockC));
-static_assert(BlockIsSound(connRateBlockD) && ConnRateBlockIsSound(connRateBlockD));
-static_assert(BlockIsSound(connRateBlockE) && ConnRateBlockIsSound(connRateBlockE));
-static_assert(BlockIsSound(connRateBlockF) && ConnRateBlockIsSound(connRateBlockF));
-static_assert(BlockIsSound(connRateBlockG) && ConnRateBlockIsSound(connRateBlockG));
-static_assert(BlockIsSound(connRateBlockH) && ConnRateBlockIsSound(connRateBlockH));
-
-// ---- Live rows: changed in place by SysCapsSet and the board step ----
-
-// Constant-initialised copies of the tables above; nothing runs at start-up.
-constinit auto video14    = kVideo14;
-constinit auto video16    = kVideo16;
-constinit auto video18    = kVideo18;
-constinit auto video20    = kVideo20;
-constinit auto video21    = kVideo21;
-constinit auto video22    = kVideo22;
-constinit auto video23    = kVideo23;
-constinit auto audio14    = kAudio14;
-constinit auto audio16    = kAudio16;
-constinit auto audio18    = kAudio18;
-constinit auto audio20    = kAudio20;
-constinit auto audio21    = kAudio21;
-constinit auto audio22    = kAudio22;
-constinit auto audio23    = kAudio23;
-constinit auto comm14     = kComm14;
-constinit auto comm16     = kComm16;
-constinit auto comm18     = kComm18;
-constinit auto comm20     = kComm20;
-constinit auto comm21     = kComm21;
-constinit auto comm22     = kComm22;
-constinit auto comm23     = kComm23;
-constinit auto hardware14 = kHardware14;
-constinit auto hardware16 = kHardware16;
-constinit auto hardware18 = kHardware18;
-constinit auto hardware20 = kHardware20;
-constinit auto hardware21 = kHardware21;
-constinit auto hardware22 = kHardware22;
-constinit auto hardware23 = kHardware23;
-constinit auto category4  = kCategory4;
-
-// ---- Table sets and their selection ----
-
-// The first row of a live table.
-template <std::size_t N> constexpr SysCapsRow *Rows(std::array<SysCapsRow, N> &table) {
-    return table.data();
+constexpr std::size_t CountTypes() {
+    std::size_t count = 0;
+    for (const SetRow &set : setRows) {
+        count += set.AlsoType != 0 ? 2 : 1;
+    }
+    return count;
 }
 
-// clang-format off
-/* category 0 video, 1 audio, 2 comm, 3 hardware, 4 (shared by all sets) */
-constexpr TableSet set14 = {{Rows(video14), Rows(audio14), Rows(comm14), Rows(hardware14), Rows(category4)}};
-constexpr TableSet set16 = {{Rows(video16), Rows(audio16), Rows(comm16), Rows(hardware16), Rows(category4)}};
-constexpr TableSet set18 = {{Rows(video18), Rows(audio18), Rows(comm18), Rows(hardware18), Rows(category4)}};
-constexpr TableSet set20 = {{Rows(video20), Rows(audio20), Rows(comm20), Rows(hardware20), Rows(category4)}};
-constexpr TableSet set21 = {{Rows(video21), Rows(audio21), Rows(comm21), Rows(hardware21), Rows(category4)}};
-constexpr TableSet set22 = {{Rows(video22), Rows(audio22), Rows(comm22), Rows(hardware22), Rows(category4)}};
-constexpr TableSet set23 = {{Rows(video23), Rows(audio23), Rows(comm23), Rows(hardware23), Rows(category4)}};
-
-/* SysType, table set */
-constexpr std::array<TypeTableSet, 8> typeTableSets = {{
-    {14, &set14},
-    {16, &set16},
-    {17, &set16},
-    {18, &set18},
-    {20, &set20},
-    {21, &set21},
-    {22, &set22},
-    {23, &set23},
-}};
-// clang-format on
-
-/* Block A to G, in the order of BoardBlock */
-constexpr std::array<const SysCapsRow *, 7> boardBlocks = {
-    boardBlockA.data(), boardBlockB.data(), boardBlockC.data(), boardBlockD.data(),
-    boardBlockE.data(), boardBlockF.data(), boardBlockG.data(),
-};
-
-/* Block A to H, in the order of ConnRateBlock */
-constexpr std::array<const SysCapsRow *, 8> connRateBlocks = {
-    connRateBlockA.data(), connRateBlockB.data(), connRateBlockC.data(), connRateBlockD.data(),
-    connRateBlockE.data(), connRateBlockF.data(), connRateBlockG.data(), connRateBlockH.data(),
-};
+constexpr std::array<TypeTableSet, CountTypes()> MakeTypeTableSets() {
+    std::array<TypeTableSet, CountTypes()> types{};
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < kSetCount; ++i) {
+        types[at++] = {setRows[i].Type, &tableSets[i]};
+        if (setRows[i].AlsoType != 0) {
+            types[at++] = {setRows[i].AlsoType, &tableSets[i]};
+        }
+    }
+    return types;
+}
+constexpr auto typeTableSets = MakeTypeTableSets();
 
 } // namespace
 
@@ -1654,46 +1636,22 @@ const TableSet *TableSetOfType(int32_t type) {
 
 const SysCapsRow *BoardBlockRows(BoardBlock block) {
     const auto i = static_cast<std::size_t>(block);
-    OS_ASSERT(i < boardBlocks.size());
-    return boardBlocks[i];
+    OS_ASSERT(i < std::size(boardBlocks));
+    return boardBlocks[i].data();
 }
 
 const SysCapsRow *ConnRateBlockRows(ConnRateBlock block) {
     const auto i = static_cast<std::size_t>(block);
-    OS_ASSERT(i < connRateBlocks.size());
-    return connRateBlocks[i];
+    OS_ASSERT(i < std::size(connRateBlocks));
+    return connRateBlocks[i].data();
 }
 
 void RestoreRowsForTest() {
-    video14    = kVideo14;
-    video16    = kVideo16;
-    video18    = kVideo18;
-    video20    = kVideo20;
-    video21    = kVideo21;
-    video22    = kVideo22;
-    video23    = kVideo23;
-    audio14    = kAudio14;
-    audio16    = kAudio16;
-    audio18    = kAudio18;
-    audio20    = kAudio20;
-    audio21    = kAudio21;
-    audio22    = kAudio22;
-    audio23    = kAudio23;
-    comm14     = kComm14;
-    comm16     = kComm16;
-    comm18     = kComm18;
-    comm20     = kComm20;
-    comm21     = kComm21;
-    comm22     = kComm22;
-    comm23     = kComm23;
-    hardware14 = kHardware14;
-    hardware16 = kHardware16;
-    hardware18 = kHardware18;
-    hardware20 = kHardware20;
-    hardware21 = kHardware21;
-    hardware22 = kHardware22;
-    hardware23 = kHardware23;
-    category4  = kCategory4;
+    for (const SetRow &set : setRows) {
+        for (const LiveTable &table : set.Tables) {
+            std::copy(table.Start.begin(), table.Start.end(), table.Rows);
+        }
+    }
 }
 
 } // namespace sysCaps
