@@ -15,9 +15,6 @@ using sysType::hdamBoardWords;
 using sysType::hwFamilyWords;
 using sysType::sysTypeWords;
 
-static_assert(sysTypeWords.size() == 8, "the type word table has 8 rows");
-static_assert(hdamBoardWords.size() == 6 + 1, "6 board words and the end mark");
-static_assert(hwFamilyWords.size() == 2 + 1, "2 family words and the end mark");
 static_assert(sysType::NamesUniqueNoCase(sysTypeWords, sysTypeWords.size()));
 static_assert(sysType::NamesUniqueNoCase(hdamBoardWords, hdamBoardWords.size() - 1));
 static_assert(sysType::NamesUniqueNoCase(hwFamilyWords, hwFamilyWords.size() - 1));

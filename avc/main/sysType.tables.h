@@ -30,7 +30,7 @@ struct HwFamilyWord {
 // by its count, there is no end mark.
 // clang-format off
 /* Name,         IsAlias, Type (SysType) */
-inline constexpr std::array<SysTypeWord, 8> sysTypeWords = {{
+inline constexpr auto sysTypeWords = std::to_array<SysTypeWord>({
     {"lrch",       1,       16},
     {"larch",      0,       16},
     {"alder",      0,       17},
@@ -39,11 +39,11 @@ inline constexpr std::array<SysTypeWord, 8> sysTypeWords = {{
     {"hazel",      0,       20},
     {"aspen",      0,       21},
     {"elm",        0,       22},
-}};
+});
 
 // Board 0 means that nothing was told, 1 that no board is fitted.
 /* Name (board word), Board (board number) */
-inline constexpr std::array<HdamBoardWord, 7> hdamBoardWords = {{
+inline constexpr auto hdamBoardWords = std::to_array<HdamBoardWord>({
     {"NONE",          1},
     {"DM642",         2},
     {"MOSS_DM642",    3},
@@ -51,15 +51,15 @@ inline constexpr std::array<HdamBoardWord, 7> hdamBoardWords = {{
     {"DAVINCI_QTY3",  5},
     {"DAVINCI_QTY1",  6},
     {nullptr,         0},
-}};
+});
 
 // The number is what the capability key HwFamily holds.
 /* Name (family word), Family (family number) */
-inline constexpr std::array<HwFamilyWord, 3> hwFamilyWords = {{
+inline constexpr auto hwFamilyWords = std::to_array<HwFamilyWord>({
     {"lrch",   1},
     {"rowan",  2},
     {nullptr,  0},
-}};
+});
 // clang-format on
 
 // True when the words of rows [0, count) differ pairwise, ignoring case.

@@ -223,9 +223,6 @@ template <std::size_t N> constexpr bool TableHolds(const VidTiming (&table)[N]) 
     return IsZeroRow(table[N - 1]);
 }
 
-static_assert(std::size(VidTimingMainTable) == kMainRows + 1 && kMainRows == 61);
-static_assert(std::size(VidTimingOutputTable) == kOutputRows + 1 && kOutputRows == 9);
-static_assert(vidTiming::VidTimingTotals74Table.size() == 23);
 static_assert(TableHolds(VidTimingMainTable), "ids unique, sums and rate words, closing row");
 static_assert(TableHolds(VidTimingOutputTable), "ids unique, sums and rate words, closing row");
 
