@@ -5,6 +5,7 @@
 
 #include "Common/OS/clockSource.h"
 #include "system/Pixelworks/PWApi.h"
+#include "system/Pixelworks/PWPipe.h"
 #include "system/Pixelworks/PWReport.h"
 
 #include <gtest/gtest.h>
@@ -114,21 +115,6 @@ class Link : public testing::Test {
 
 // ---- sending ------------------------------------------------------------
 
-TEST_F(Link, ADiagHandleNamesItsInterfaceAndChip) {
-    DaemonEnds diag(linkFolder(), 1, PW_INTERFACE_DIAG);
-    PWHandle *h = PWOpenDiagHandle(1);
-    ASSERT_NE(h, nullptr);
-    PWMsg msg{};
-    msg.Opcode = 0x23;
-    EXPECT_EQ(PWSendMsg(h, &msg), PW_OK);
-    EXPECT_EQ(diag.received(), packetOf(0x23, {}, PW_INTERFACE_DIAG));
-    EXPECT_EQ(PWReceiveMsg(h, 0, &msg), PW_ERR_TIMEOUT);
-    std::vector<Report> seen = reports.take();
-    ASSERT_EQ(seen.size(), 1u);
-    EXPECT_TRUE(isTimeoutReport(seen[0], 1)) << seen[0].text;
-    EXPECT_EQ(PWReleaseHandle(h), PW_OK);
-}
-
 TEST_F(Link, WriteWithNoReaderIsMinus17AndNoSignal) {
     daemon.closeFromClient(); // the daemon's reading end goes away
     PWMsg msg{};
@@ -160,29 +146,44 @@ TEST_F(Link, FullPipeIsMinus17ThenRecovers) {
 
 // ---- receiving ------------------------------------------------------------
 
-TEST_F(Link, SizeTwoReplyLeavesPayloadAsItWas) {
-    daemon.send(packetOf(4, {}, PW_INTERFACE_CMD));
-    PWMsg msg{};
-    msg.Length     = 2;
-    msg.Payload[0] = 0x5555;
-    ASSERT_EQ(PWReceiveMsg(handle, 1000, &msg), PW_OK);
-    EXPECT_EQ(msg.Opcode, 4);
-    EXPECT_EQ(msg.Length, 0);
-    EXPECT_EQ(msg.Payload[0], 0x5555);
-    EXPECT_TRUE(reports.take().empty());
-}
+struct WaitingCase {
+    const char *what;
+    std::vector<uint8_t> bytes; // in the pipe before the call
+    uint32_t timeoutMs;
+    int result;
+    uint8_t length;   // of the message after the call
+    uint16_t word0;   // its first payload word, 0x5555 before
+    int pendingAfter; // bytes left in the pipe
+};
 
-TEST_F(Link, TimeoutZeroEndsAtOnceWithAPacketWaiting) {
-    std::vector<uint8_t> reply = packetOf(1, {}, PW_INTERFACE_CMD);
-    daemon.send(reply);
-    PWMsg msg{};
-    msg.Length = 8;
-    EXPECT_EQ(PWReceiveMsg(handle, 0, &msg), PW_ERR_TIMEOUT);
-    EXPECT_EQ(msg.Length, 0);
-    EXPECT_EQ(daemon.pending(), static_cast<int>(reply.size()));
-    std::vector<Report> seen = reports.take();
-    ASSERT_EQ(seen.size(), 1u);
-    EXPECT_TRUE(isTimeoutReport(seen[0], 0)) << seen[0].text;
+// A reply with Size 2 leaves the payload as it was; a timeout of 0 ends the
+// call before the first read; of two packets read at once the first is taken
+// and the second dropped.
+TEST_F(Link, WhatTheCallTakesFromWhatWaits) {
+    std::vector<uint8_t> two          = packetOf(0x23, {7}, PW_INTERFACE_CMD);
+    const std::vector<uint8_t> second = packetOf(0x23, {8}, PW_INTERFACE_CMD);
+    two.insert(two.end(), second.begin(), second.end());
+    // clang-format off
+    const WaitingCase cases[] = {
+        {"Size 2",         packetOf(4, {}, PW_INTERFACE_CMD), 1000, PW_OK,          0, 0x5555, 0},
+        {"timeout 0",      packetOf(1, {}, PW_INTERFACE_CMD), 0,    PW_ERR_TIMEOUT, 0, 0x5555, 8},
+        {"two in one read", two,                             1000, PW_OK,          2, 7,      0},
+    };
+    // clang-format on
+    for (const WaitingCase &c : cases) {
+        daemon.send(c.bytes);
+        PWMsg msg{};
+        msg.Length     = 2;
+        msg.Payload[0] = 0x5555;
+        EXPECT_EQ(PWReceiveMsg(handle, c.timeoutMs, &msg), c.result) << c.what;
+        EXPECT_EQ(msg.Length, c.length) << c.what;
+        EXPECT_EQ(msg.Payload[0], c.word0) << c.what;
+        EXPECT_EQ(daemon.pending(), c.pendingAfter) << c.what;
+        std::vector<Report> seen = reports.take();
+        EXPECT_EQ(seen.size(), c.result == PW_OK ? 0u : 1u) << c.what;
+        daemon.received();
+        PWDrainPipe(handle->ReadFd, reinterpret_cast<uint8_t *>(&msg), sizeof msg);
+    }
 }
 
 TEST_F(Link, PacketInTwoPiecesIsPutTogether) {

@@ -8,9 +8,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <string_view>
-#include <sys/resource.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 #ifndef PWSIMD_PATH
@@ -86,21 +84,11 @@ int takeLine(int fd, std::string &pending, std::string &line) {
     return 1;
 }
 
-int waitFor(pid_t pid, rusage *usage = nullptr) {
+int waitFor(pid_t pid) {
     int status = 0;
-    while (wait4(pid, &status, 0, usage) < 0 && errno == EINTR) {
+    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
     }
     return status;
-}
-
-double monotonicSeconds() {
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-double secondsOf(const timeval &t) {
-    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
 }
 
 std::string describe(int status) {
@@ -283,16 +271,12 @@ ProgramRun RunProgram(std::string_view emulator, const std::string &program,
                       const std::vector<std::string> &args) {
     ProgramRun result;
     int outFd = -1, errFd = -1;
-    const double start = monotonicSeconds();
-    pid_t pid          = spawn(EmulatedCommandLine(emulator, program, args), true, outFd, errFd);
+    pid_t pid = spawn(EmulatedCommandLine(emulator, program, args), true, outFd, errFd);
     if (pid < 0)
         return result;
     if (!drainToEnd(outFd, errFd, result.Out, result.Err))
         kill(pid, SIGKILL);
-    rusage usage{};
-    int status              = waitFor(pid, &usage);
-    result.WallSeconds      = monotonicSeconds() - start;
-    result.ProcessorSeconds = secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
+    int status = waitFor(pid);
     if (WIFEXITED(status))
         result.ExitStatus = WEXITSTATUS(status);
     closeFd(outFd);

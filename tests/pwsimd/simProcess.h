@@ -57,14 +57,11 @@ std::string SimPipePath(const std::string &dir, const char *name, int chip);
 // Kills with SIGKILL and waits: the pipes stay behind, as after a crash.
 ::testing::AssertionResult SimKill(SimProcess &sim);
 
-// One program run to its end: its exit status, all it printed, and the time
-// it took.
+// One program run to its end: its exit status and all it printed.
 struct ProgramRun {
     int ExitStatus = -1; // -1 if it ended by a signal, hung or could not be started
     std::string Out;
     std::string Err;
-    double WallSeconds      = 0; // from its start to its end
-    double ProcessorSeconds = 0; // user and system time (with the emulator's)
 };
 
 // Runs `program` with `args` behind the words of `emulator` to its end; a
