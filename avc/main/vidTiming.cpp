@@ -52,6 +52,18 @@ void VidTimingRateUpdate(VidTiming &t) {
     t.FramePeriodUs    = t.LinePeriodNs * lines / 1000u;
 }
 
+// A line or a frame gets a new total: the blanking follows it, and when it can no longer hold the
+// sync and the back porch, both shrink to one; the front porch takes the rest.
+void VidTimingFitBlanking(uint32_t total, uint32_t active, uint32_t &blank, uint32_t &front,
+                          uint32_t &sync, uint32_t &back) {
+    blank = total - active;
+    if (blank < sync + back) {
+        sync = 1;
+        back = 1;
+    }
+    front = blank - sync - back;
+}
+
 // Folds an alias; false when it asks for a changed rate, which has no record of its own.
 bool VidTimingFoldPlain(int32_t &formatId) {
     uint32_t rate = 0;
@@ -206,12 +218,8 @@ int32_t VidTimingForClock(int32_t formatId, uint32_t clockKHz, VidTiming *record
         return -1;
     }
     record->HTotal = n;
-    record->HBlank = n - record->HActive;
-    if (record->HBlank < record->HSyncWidth + record->HBackPorch) {
-        record->HSyncWidth = 1;
-        record->HBackPorch = 1;
-    }
-    record->HFrontPorch      = record->HBlank - record->HSyncWidth - record->HBackPorch;
+    VidTimingFitBlanking(n, record->HActive, record->HBlank, record->HFrontPorch,
+                         record->HSyncWidth, record->HBackPorch);
     record->PixelClockKHz    = clockKHz;
     const uint32_t lines     = VidTimingFrameLines(*record);
     record->LineRateHz       = clockKHz * 1000u / n;
@@ -283,20 +291,12 @@ int32_t VidTimingRetime74(VidTiming *record, uint32_t hTotal, uint32_t vTotal) {
     OS_ASSERT(record != nullptr);
     OS_ASSERT(hTotal >= record->HActive + 2 && vTotal >= record->VActive + record->VActive2 + 2);
     record->HTotal = hTotal;
-    record->HBlank = hTotal - record->HActive;
-    if (record->HBlank < record->HSyncWidth + record->HBackPorch) {
-        record->HSyncWidth = 1;
-        record->HBackPorch = 1;
-    }
-    record->HFrontPorch = record->HBlank - record->HSyncWidth - record->HBackPorch;
-    record->VTotal      = vTotal;
-    record->VActive     = record->VActive + record->VActive2;
-    record->VBlank      = vTotal - record->VActive;
-    if (record->VBlank < record->VSyncWidth + record->VBackPorch) {
-        record->VSyncWidth = 1;
-        record->VBackPorch = 1;
-    }
-    record->VFrontPorch      = record->VBlank - record->VSyncWidth - record->VBackPorch;
+    VidTimingFitBlanking(hTotal, record->HActive, record->HBlank, record->HFrontPorch,
+                         record->HSyncWidth, record->HBackPorch);
+    record->VTotal  = vTotal;
+    record->VActive = record->VActive + record->VActive2;
+    VidTimingFitBlanking(vTotal, record->VActive, record->VBlank, record->VFrontPorch,
+                         record->VSyncWidth, record->VBackPorch);
     record->VActive2         = 0;
     record->VBlank2          = 0;
     record->VTotal2          = 0;
