@@ -26,12 +26,15 @@ struct EchoPeer {
         char made[] = "/tmp/pwb.XXXXXX";
         if (mkdtemp(made) == nullptr)
             std::abort();
-        folder         = made;
-        std::string rd = folder + "/PWRdCmd0", wt = folder + "/PWWtCmd0";
-        if (mkfifo(rd.c_str(), 0600) != 0 || mkfifo(wt.c_str(), 0600) != 0)
+        folder                   = made;
+        const PWPipeNames &names = PWPipeNamesOf(PW_INTERFACE_CMD);
+        char rd[pwPipePathSize], wt[pwPipePathSize];
+        PWPipePath(rd, made, names.ClientReads, 0);
+        PWPipePath(wt, made, names.ClientWrites, 0);
+        if (mkfifo(rd, 0600) != 0 || mkfifo(wt, 0600) != 0)
             std::abort();
-        int toClient   = open(rd.c_str(), O_RDWR);
-        int fromClient = open(wt.c_str(), O_RDWR);
+        int toClient   = open(rd, O_RDWR);
+        int fromClient = open(wt, O_RDWR);
         std::thread([toClient, fromClient] {
             uint8_t buf[512];
             for (;;) {
@@ -42,8 +45,8 @@ struct EchoPeer {
         }).detach();
         if (PWInit(folder.c_str()) != PW_OK || (handle = PWOpenCmdHandle(0)) == nullptr)
             std::abort();
-        unlink(rd.c_str()); // the open pipes stay usable; nothing is left behind
-        unlink(wt.c_str());
+        unlink(rd); // the open pipes stay usable; nothing is left behind
+        unlink(wt);
         rmdir(folder.c_str());
     }
 };
@@ -57,7 +60,7 @@ void BM_LinkExchange(benchmark::State &state) {
     PWHandle *handle = peer().handle;
     PWMsg msg{};
     for (auto _ : state) {
-        msg.Opcode = 3;
+        msg.Opcode = pwOpQueryOutput;
         msg.Length = 0;
         PWSendMsg(handle, &msg);
         if (PWReceiveMsg(handle, 1000, &msg) != PW_OK)
@@ -70,7 +73,7 @@ BENCHMARK(BM_LinkExchange);
 void BM_RawRoundTrip(benchmark::State &state) {
     PWHandle *handle = peer().handle;
     PWMsg msg{};
-    msg.Opcode = 3;
+    msg.Opcode = pwOpQueryOutput;
     uint8_t packet[pwBufferSize];
     std::size_t size = PWPacketEncode(msg, PW_INTERFACE_CMD, packet);
     uint8_t reply[pwBufferSize];
