@@ -203,10 +203,7 @@ int32_t VidTimingChangeRate(VidTiming *record, uint32_t rate) {
 // to 4294967 kHz.
 int32_t VidTimingForClock(int32_t formatId, uint32_t clockKHz, VidTiming *record) {
     OS_ASSERT(record != nullptr);
-    if (!VidTimingFoldPlain(formatId)) {
-        return -1;
-    }
-    if (VidTimingFind(formatId, VidTimingMainTable, record) != 0) {
+    if (VidTimingById(formatId, record) != 0) {
         return -1;
     }
     if (record->PixelClockKHz == clockKHz) {
@@ -232,15 +229,13 @@ int32_t VidTimingForClock(int32_t formatId, uint32_t clockKHz, VidTiming *record
 
 int32_t VidTimingFor74MHz(int32_t formatId, VidTiming *record) {
     OS_ASSERT(record != nullptr);
-    if (!VidTimingFoldPlain(formatId)) {
+    if (VidTimingById(formatId, record) != 0) {
         return -1;
     }
-    if (VidTimingFind(formatId, VidTimingMainTable, record) != 0) {
-        return -1;
-    }
+    // The record's id is the one the alias folded to.
     uint32_t hTotal = 0;
     uint32_t vTotal = 0;
-    if (VidTimingTotals74(formatId, &hTotal, &vTotal) == 0) {
+    if (VidTimingTotals74(record->FormatId, &hTotal, &vTotal) == 0) {
         return VidTimingRetime74(record, hTotal, vTotal);
     }
     if (record->PixelClockKHz == kClock74KHz) {

@@ -19,8 +19,15 @@
 
 namespace {
 
-void reportBadHandle(const PWHandle *handle) {
+// The checks both calls begin with: null pointers are a caller's error, a
+// handle that is not open is reported.
+bool handleIsOpen(const PWHandle *handle, const PWMsg *pMsg) {
+    OS_ASSERT(handle);
+    OS_ASSERT(pMsg);
+    if (handle->Magic == PW_HANDLE_MAGIC)
+        return true;
     PWReport(LOG_ERR, "PWApi: invalid PW handle %p\n", static_cast<const void *>(handle));
+    return false;
 }
 
 // One write that cannot raise SIGPIPE: a pipe whose reader has gone fails
@@ -55,12 +62,8 @@ int timeOut(const PWHandle *handle) {
 extern "C" {
 
 int PWSendMsg(PWHandle *handle, const PWMsg *pMsg) {
-    OS_ASSERT(handle);
-    OS_ASSERT(pMsg);
-    if (handle->Magic != PW_HANDLE_MAGIC) {
-        reportBadHandle(handle);
+    if (!handleIsOpen(handle, pMsg))
         return PW_ERR_HANDLE;
-    }
     uint8_t packet[pwBufferSize];
     std::size_t total = PWPacketEncode(*pMsg, handle->Interface, packet);
     // One write and no second attempt: a full non-blocking pipe fails it.
@@ -73,12 +76,8 @@ int PWSendMsg(PWHandle *handle, const PWMsg *pMsg) {
 
 int PWReceiveMsg(PWHandle *handle, uint32_t timeoutMs, PWMsg *pMsg) {
     uint32_t deadline = ClockMillis() + timeoutMs;
-    OS_ASSERT(handle);
-    OS_ASSERT(pMsg);
-    if (handle->Magic != PW_HANDLE_MAGIC) {
-        reportBadHandle(handle);
+    if (!handleIsOpen(handle, pMsg))
         return PW_ERR_HANDLE;
-    }
     pMsg->Length = 0;
 
     uint8_t buf[pwBufferSize];

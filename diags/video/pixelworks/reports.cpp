@@ -9,13 +9,13 @@ const char *jDirection(int isOutput) {
 
 const char *jStatusName(int status) {
     switch (status) {
-    case 0:
+    case pwStatusNone:
         return "none";
-    case 1:
+    case pwStatusValid:
         return "valid";
-    case 2:
+    case pwStatusDviA:
         return "dvi-a";
-    case 3:
+    case pwStatusDviD:
         return "dvi-d";
     default:
         return "error";
