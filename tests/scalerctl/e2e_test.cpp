@@ -266,31 +266,6 @@ TEST(ScalerctlQuery, PollTimeoutGoesOnToTheComparison) {
     }
 }
 
-TEST(ScalerctlQuery, InputStatusFollowsTheCableSet) {
-    // clang-format off
-    // Type, device, camera, cable, and the word --query-in-cable prints after it
-    const std::vector<Words> rows = {
-        {"rowan", "1", "2", "component", "valid"},
-        {"rowan", "0", "1", "dvi-a",     "dvi-a"},
-        {"rowan", "2", "4", "vga",       "dvi-a"},
-        {"rowan", "2", "4", "dvi-d",     "dvi-d"},
-        {"elm",   "2", "4", "DVI",       "dvi-d"},
-    };
-    // clang-format on
-    // The cable in one run, the status in the next: the chip remembers.
-    std::vector<Words> runs;
-    for (const Words &row : rows) {
-        runs.push_back({"-x", row[0], "-d", row[1], "-i", row[2], "-c", row[3]});
-        runs.push_back({"-x", row[0], "-d", row[1], "-C"});
-    }
-    const std::vector<Outcome> o = runSession(runs);
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        EXPECT_EQ(o[2 * i].Run.Out, "") << rows[i][3];
-        EXPECT_EQ(o[2 * i + 1].Run.Out, rows[i][4] + "\n") << rows[i][3];
-        EXPECT_EQ(o[2 * i + 1].Run.ExitStatus, 0) << rows[i][3];
-    }
-}
-
 TEST(ScalerctlQuery, AnOutputThatIgnoresTheModeIsAMismatchReportedOnce) {
     // Under "frozen" the output stays 1280 x 720 at 60 Hz whatever is set;
     // only the size is compared, so 720p50 passes.
