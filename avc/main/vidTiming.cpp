@@ -64,6 +64,17 @@ void VidTimingFitBlanking(uint32_t total, uint32_t active, uint32_t &blank, uint
     front = blank - sync - back;
 }
 
+// Clears the six geometry words of the second field once they are merged into the first; the field
+// marks stay.
+void VidTimingClearSecondField(VidTiming &t) {
+    t.VActive2     = 0;
+    t.VBlank2      = 0;
+    t.VTotal2      = 0;
+    t.VFrontPorch2 = 0;
+    t.VSyncWidth2  = 0;
+    t.VBackPorch2  = 0;
+}
+
 // Folds an alias; false when it asks for a changed rate, which has no record of its own.
 bool VidTimingFoldPlain(int32_t &formatId) {
     uint32_t rate = 0;
@@ -269,12 +280,7 @@ int32_t VidTimingMergeFields(VidTiming *record) {
     record->VFrontPorch += record->VFrontPorch2;
     record->VSyncWidth += record->VSyncWidth2;
     record->VBackPorch += record->VBackPorch2;
-    record->VActive2     = 0;
-    record->VBlank2      = 0;
-    record->VTotal2      = 0;
-    record->VFrontPorch2 = 0;
-    record->VSyncWidth2  = 0;
-    record->VBackPorch2  = 0;
+    VidTimingClearSecondField(*record);
     return 0;
 }
 
@@ -292,12 +298,7 @@ int32_t VidTimingRetime74(VidTiming *record, uint32_t hTotal, uint32_t vTotal) {
     record->VActive = record->VActive + record->VActive2;
     VidTimingFitBlanking(vTotal, record->VActive, record->VBlank, record->VFrontPorch,
                          record->VSyncWidth, record->VBackPorch);
-    record->VActive2         = 0;
-    record->VBlank2          = 0;
-    record->VTotal2          = 0;
-    record->VFrontPorch2     = 0;
-    record->VSyncWidth2      = 0;
-    record->VBackPorch2      = 0;
+    VidTimingClearSecondField(*record);
     record->PixelClockKHz    = kClock74KHz;
     record->LineRateHz       = kClock74KHz * 1000u / hTotal;
     record->FrameRateMilliHz = record->LineRateHz * 1000u / vTotal;
