@@ -10,13 +10,14 @@
 
 namespace {
 
-// The output modes that the tool can ask for. Each mode string of the tool's
-// mode table leads to one PxwMode; the string of a row is the first of them
-// in that table, at its format's own rate, and every other string of the same
-// PxwMode has the same active size (the tool compares only that). The timing
-// is that string's output record in the catalogue. A PxwMode without a row
-// is not a mode of the chip: set output mode with it leaves the output
-// timing as it was.
+// The output modes of the simulated chip, each named by a mode string of the
+// catalogue whose output record is the timing the chip then reports. This is
+// the chip's own list, kept apart from the tool's mode table on purpose: the
+// tool decides which mode a string asks for, the chip what a mode shows, and
+// an end-to-end run compares the two. Every string that leads to the same
+// PxwMode in the tool has the same active size (the tool compares only
+// that). A PxwMode without a row is not a mode of the chip: set output mode
+// with it leaves the output timing as it was.
 // clang-format off
 // PxwMode, representative mode string    other formats that lead to the PxwMode
 constexpr std::array<SimModeRow, 39> modeRows{{
