@@ -41,6 +41,19 @@ void osLockRecreate(pthread_mutex_t *lock, const pthread_mutexattr_t *attributes
 
 } // namespace
 
+void osMutexAttrInit(pthread_mutexattr_t *attributes, int type) {
+    pthread_mutexattr_init(attributes);
+#if OS_PRIO_INHERIT
+    pthread_mutexattr_settype(attributes, type);
+    pthread_mutexattr_setprotocol(attributes, PTHREAD_PRIO_INHERIT);
+#else
+    // A priority-inheriting mutex knows its owner and refuses a release by
+    // another thread; without the protocol, error checking keeps that.
+    pthread_mutexattr_settype(attributes,
+                              type == PTHREAD_MUTEX_DEFAULT ? PTHREAD_MUTEX_ERRORCHECK : type);
+#endif
+}
+
 pthread_mutex_t *osInterruptLock() {
     return &interruptLock;
 }
@@ -60,11 +73,8 @@ void osIsNptlSet(int nptl) {
 
 extern "C" void os_init_locks(void) {
     pthread_mutexattr_t recursive, plain;
-    pthread_mutexattr_init(&recursive);
-    pthread_mutexattr_settype(&recursive, PTHREAD_MUTEX_RECURSIVE);
-    pthread_mutexattr_setprotocol(&recursive, PTHREAD_PRIO_INHERIT);
-    pthread_mutexattr_init(&plain);
-    pthread_mutexattr_setprotocol(&plain, PTHREAD_PRIO_INHERIT);
+    osMutexAttrInit(&recursive, PTHREAD_MUTEX_RECURSIVE);
+    osMutexAttrInit(&plain, PTHREAD_MUTEX_DEFAULT);
     osLockRecreate(&interruptLock, &recursive);
     osLockRecreate(&timerLock, &plain);
     osLockRecreate(&tcbLock, &plain);

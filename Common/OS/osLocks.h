@@ -10,6 +10,12 @@ pthread_mutex_t *osInterruptLock();
 pthread_mutex_t *osTimerLock();
 pthread_mutex_t *osTcbLock();
 
+// Initialises `attributes` for a lock of the layer: `type`, and the
+// priority inheritance protocol. The emulated test build (user-mode qemu,
+// which has no priority-inheritance futexes, so a contended lock would hang)
+// is built without the protocol; every other build has it.
+void osMutexAttrInit(pthread_mutexattr_t *attributes, int type);
+
 // Holds a mutex for a scope (none when given null). Tasks die by
 // cancellation, and glibc unwinds C++ frames when a cancelled thread acts on
 // it: the destructor releases the lock then too, so a section may contain a

@@ -4,6 +4,7 @@
 #include "Common/OS/os.h"
 #include "Common/OS/osAlloc.h"
 #include "Common/OS/osAssert.h"
+#include "Common/OS/osLocks.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -29,8 +30,7 @@ extern "C" int sm_create(const char *name, uint32_t count, uint32_t, Semaphore *
     id->creator  = pthread_self();
     id->reserved = 0;
     pthread_mutexattr_t attributes;
-    pthread_mutexattr_init(&attributes);
-    pthread_mutexattr_setprotocol(&attributes, PTHREAD_PRIO_INHERIT);
+    osMutexAttrInit(&attributes, PTHREAD_MUTEX_DEFAULT);
     const int failed = pthread_mutex_init(&id->lock, &attributes);
     pthread_mutexattr_destroy(&attributes);
     if (failed != 0) {

@@ -69,8 +69,7 @@ Tcb *taskRecordNew(const char *name, int32_t priority) {
         std::memcpy(tcb->name, name, 4);
     tcb->priority = priority;
     pthread_mutexattr_t attributes;
-    pthread_mutexattr_init(&attributes);
-    pthread_mutexattr_setprotocol(&attributes, PTHREAD_PRIO_INHERIT);
+    osMutexAttrInit(&attributes, PTHREAD_MUTEX_DEFAULT);
     const int failed = pthread_mutex_init(&tcb->mutex, &attributes);
     pthread_mutexattr_destroy(&attributes);
     if (failed != 0) {

@@ -107,7 +107,6 @@ TEST(OsTree, LoadReplacesTheKeysAndNoValueIsFreed) {
 }
 
 TEST(OsTreeDeathTest, MisuseEndsTheProcessNamingTheCondition) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
     Tree tree{nullptr};
     InsertItem(&tree, 5, 5);
     EXPECT_DEATH(DestroyTree(nullptr), "bintree.*DestroyTree: Assertion `pTree'");
