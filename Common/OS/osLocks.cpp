@@ -54,6 +54,14 @@ void osMutexAttrInit(pthread_mutexattr_t *attributes, int type) {
 #endif
 }
 
+int osMutexInit(pthread_mutex_t *mutex) {
+    pthread_mutexattr_t attributes;
+    osMutexAttrInit(&attributes, PTHREAD_MUTEX_DEFAULT);
+    const int result = pthread_mutex_init(mutex, &attributes);
+    pthread_mutexattr_destroy(&attributes);
+    return result;
+}
+
 pthread_mutex_t *osInterruptLock() {
     return &interruptLock;
 }

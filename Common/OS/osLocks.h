@@ -15,6 +15,9 @@ pthread_mutex_t *osTcbLock();
 // which has no priority-inheritance futexes, so a contended lock would hang)
 // is built without the protocol; every other build has it.
 void osMutexAttrInit(pthread_mutexattr_t *attributes, int type);
+// Initialises `mutex` as a lock of the layer of the default type; the result
+// of pthread_mutex_init.
+int osMutexInit(pthread_mutex_t *mutex);
 
 // Holds a mutex for a scope (none when given null). Tasks die by
 // cancellation, and glibc unwinds C++ frames when a cancelled thread acts on

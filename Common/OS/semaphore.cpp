@@ -29,11 +29,7 @@ extern "C" int sm_create(const char *name, uint32_t count, uint32_t, Semaphore *
         std::memcpy(id->name, name, sizeof id->name);
     id->creator  = pthread_self();
     id->reserved = 0;
-    pthread_mutexattr_t attributes;
-    osMutexAttrInit(&attributes, PTHREAD_MUTEX_DEFAULT);
-    const int failed = pthread_mutex_init(&id->lock, &attributes);
-    pthread_mutexattr_destroy(&attributes);
-    if (failed != 0) {
+    if (osMutexInit(&id->lock) != 0) {
         std::free(id);
         return ERR_NOSEM;
     }

@@ -68,11 +68,7 @@ Tcb *taskRecordNew(const char *name, int32_t priority) {
     if (name != nullptr)
         std::memcpy(tcb->name, name, 4);
     tcb->priority = priority;
-    pthread_mutexattr_t attributes;
-    osMutexAttrInit(&attributes, PTHREAD_MUTEX_DEFAULT);
-    const int failed = pthread_mutex_init(&tcb->mutex, &attributes);
-    pthread_mutexattr_destroy(&attributes);
-    if (failed != 0) {
+    if (osMutexInit(&tcb->mutex) != 0) {
         std::free(tcb);
         return nullptr;
     }
