@@ -15,31 +15,11 @@ int32_t evReceiveTimer(uintptr_t task) {
     return ev_receive_timeout(reinterpret_cast<Tcb *>(task));
 }
 
-// Holds a task's event lock for a scope; the destructor releases it also
-// when the task is cancelled in pthread_cond_wait, which takes the lock back
-// before the thread unwinds. Lock and unlock failures are kept for the
-// caller to log once the lock is released: a log line may wake the log
-// writer, whose own event lock must not be taken under this one.
-class EventLockHold {
-  public:
-    explicit EventLockHold(Tcb *task) : tcb(task) { lockError = pthread_mutex_lock(&tcb->mutex); }
-    ~EventLockHold() {
-        if (held)
-            pthread_mutex_unlock(&tcb->mutex);
-    }
-    EventLockHold(const EventLockHold &)            = delete;
-    EventLockHold &operator=(const EventLockHold &) = delete;
-    // Releases the lock before the end of the scope; the error of the unlock.
-    int release() {
-        held = false;
-        return pthread_mutex_unlock(&tcb->mutex);
-    }
-    int lockError = 0;
-
-  private:
-    Tcb *tcb;
-    bool held = true;
-};
+// A task's event lock is held with OsLockHold, whose destructor releases it
+// also when the task is cancelled in pthread_cond_wait (which takes the lock
+// back before the thread unwinds). Lock and unlock failures are logged after
+// the release: a log line may wake the log writer, whose own event lock must
+// not be taken under this one.
 
 // The event word as it is now: senders change it outside the lock.
 uint32_t evWord(Tcb *tcb) {
@@ -71,7 +51,7 @@ extern "C" int ev_send(Tcb *tcb, uint32_t bits) {
     AtomicOr(&tcb->events, bits);
     int locked = 0, unlocked = 0, signalled = 0;
     {
-        EventLockHold hold(tcb);
+        OsLockHold hold(&tcb->mutex);
         locked = hold.lockError;
         if (tcb->waiting != 0)
             signalled = pthread_cond_signal(&tcb->cond);
@@ -108,7 +88,7 @@ extern "C" int ev_receive(uint32_t wanted, uint32_t flags, uint32_t timeout, uin
     Timer *timer = nullptr;
     {
         OsLockHold timerHold = timed ? timerLockHold() : OsLockHold(nullptr);
-        EventLockHold hold(tcb);
+        OsLockHold hold(&tcb->mutex);
         locked     = hold.lockError;
         uint32_t m = ev_match(evWord(tcb), wanted, flags);
         if (wanted == 0) {
@@ -173,7 +153,7 @@ extern "C" int32_t ev_receive_timeout(Tcb *tcb) {
     int locked = 0, unlocked = 0, signalled = 0;
     bool over = false, waiting = false;
     {
-        EventLockHold hold(tcb);
+        OsLockHold hold(&tcb->mutex);
         locked = hold.lockError;
         over   = tcb->receiving == 0;
         if (!over) {

@@ -24,21 +24,24 @@ int osMutexInit(pthread_mutex_t *mutex);
 // it: the destructor releases the lock then too, so a section may contain a
 // cancellation point. Only the unlock runs in the destructor, which is no
 // cancellation point.
+// The result of the lock is kept for callers that report it (after the
+// release, when a log line must not be written under the lock).
 class OsLockHold {
   public:
     explicit OsLockHold(pthread_mutex_t *mutex) : lock(mutex) {
         if (lock != nullptr)
-            pthread_mutex_lock(lock);
+            lockError = pthread_mutex_lock(lock);
     }
     ~OsLockHold() { release(); }
     OsLockHold(const OsLockHold &)            = delete;
     OsLockHold &operator=(const OsLockHold &) = delete;
-    // Releases the lock before the end of the scope.
-    void release() {
-        if (lock != nullptr)
-            pthread_mutex_unlock(lock);
-        lock = nullptr;
+    // Releases the lock before the end of the scope; the unlock's result.
+    int release() {
+        const int error = lock != nullptr ? pthread_mutex_unlock(lock) : 0;
+        lock            = nullptr;
+        return error;
     }
+    int lockError = 0;
 
   private:
     pthread_mutex_t *lock;

@@ -61,16 +61,50 @@ void timerAppend(Timer **list, Timer *timer) {
     timer->next = nullptr;
 }
 
-// Unlinks `timer` from the active list; false when it isn't there.
-bool timerUnlinkActiveLocked(Timer *timer) {
+// Who may remove a timer: the task that started it, and, when `callback` is
+// not null, only a timer of that callback.
+struct TimerOwner {
+    const Tcb *task;
+    TimerCallback callback;
+};
+
+// Unlinks `timer` from the active list; false when it isn't there, or when
+// `owner` is given and the timer isn't its own.
+bool timerUnlinkActiveLocked(Timer *timer, const TimerOwner *owner) {
     for (Timer **link = &timerActive; *link != nullptr; link = &(*link)->next) {
-        if (*link == timer) {
-            *link       = timer->next;
-            timer->next = nullptr;
-            return true;
-        }
+        if (*link != timer)
+            continue;
+        if (owner != nullptr &&
+            (timer->task != owner->task ||
+             (owner->callback != nullptr && timer->callback != owner->callback)))
+            return false;
+        *link       = timer->next;
+        timer->next = nullptr;
+        return true;
     }
     return false;
+}
+
+// Takes the head of the free list, zeroed; null when the pool is empty.
+// timerLock is held.
+Timer *timerTakeFreeLocked() {
+    Timer *timer = timerFree;
+    if (timer != nullptr) {
+        timerFree = timer->next;
+        *timer    = Timer{};
+    }
+    return timer;
+}
+
+// Frees the records of a local list, in its order; no lock is held, since
+// FreeTimer takes timerLock itself.
+void timerFreeAll(Timer *list) {
+    while (list != nullptr) {
+        Timer *timer = list;
+        list         = timer->next;
+        timer->next  = nullptr;
+        FreeTimer(timer);
+    }
 }
 
 // Record addresses show as 32-bit words, as on the appliance.
@@ -78,8 +112,18 @@ uint32_t timerWord(const void *address) {
     return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(address));
 }
 
-void timerPrintNotFound(const Timer *timer) {
-    std::printf("RemoveTimer: %p not found\n", static_cast<const void *>(timer));
+// Takes `handle` off the active list and frees it, or prints the not-found
+// line when it isn't there (or isn't `owner`'s).
+void timerRemove(Timer *handle, const TimerOwner *owner) {
+    bool found = false;
+    {
+        OsLockHold hold = timerLockHold();
+        found           = timerUnlinkActiveLocked(handle, owner);
+    }
+    if (found)
+        FreeTimer(handle);
+    else
+        std::printf("RemoveTimer: %p not found\n", static_cast<const void *>(handle));
 }
 
 } // namespace
@@ -143,13 +187,7 @@ extern "C" void tm_tick(void) {
         }
         timerFiring = false;
     }
-    // Freed outside the walk, in the order they expired.
-    while (expired != nullptr) {
-        Timer *timer = expired;
-        expired      = timer->next;
-        timer->next  = nullptr;
-        FreeTimer(timer);
-    }
+    timerFreeAll(expired); // outside the walk, in the order they expired
 }
 
 extern "C" Timer *AllocTimer(void) {
@@ -157,11 +195,7 @@ extern "C" Timer *AllocTimer(void) {
     Timer *timer = nullptr;
     {
         OsLockHold hold = timerLockHold();
-        timer           = timerFree;
-        if (timer != nullptr) {
-            timerFree = timer->next;
-            *timer    = Timer{};
-        }
+        timer           = timerTakeFreeLocked();
     }
     if (timer == nullptr)
         timerLogPoolEmpty();
@@ -204,43 +238,22 @@ extern "C" void InsertTimer(Timer *timer) {
 }
 
 extern "C" void RemoveTimer(Timer *pTimer) {
-    bool found = false;
-    {
-        OsLockHold hold = timerLockHold();
-        found           = timerUnlinkActiveLocked(pTimer);
-    }
-    if (found)
-        FreeTimer(pTimer);
-    else
-        timerPrintNotFound(pTimer);
+    timerRemove(pTimer, nullptr);
 }
 
 Timer *timerStartLocked(uint32_t ticks, uint32_t reload, uint32_t events, TimerCallback callback,
                         uintptr_t arg, Tcb *task) {
-    Timer *timer = timerFree;
+    Timer *timer = timerTakeFreeLocked();
     if (timer == nullptr)
         return nullptr;
-    timerFree = timer->next;
-    *timer    = Timer{task, ticks, reload, events, callback, arg, nullptr};
+    *timer = Timer{task, ticks, reload, events, callback, arg, nullptr};
     timerAppend(&timerActive, timer);
     return timer;
 }
 
 void timerCancelOwned(Timer *handle, const Tcb *task, TimerCallback callback) {
-    bool found = false;
-    {
-        OsLockHold hold = timerLockHold();
-        for (const Timer *timer = timerActive; timer != nullptr && !found; timer = timer->next)
-            found = timer == handle;
-        found =
-            found && handle->task == task && (callback == nullptr || handle->callback == callback);
-        if (found)
-            timerUnlinkActiveLocked(handle);
-    }
-    if (found)
-        FreeTimer(handle);
-    else
-        timerPrintNotFound(handle);
+    const TimerOwner owner{task, callback};
+    timerRemove(handle, &owner);
 }
 
 void timerCancelForTask(const Tcb *tcb) {
@@ -257,12 +270,7 @@ void timerCancelForTask(const Tcb *tcb) {
             }
         }
     }
-    while (cancelled != nullptr) {
-        Timer *timer = cancelled;
-        cancelled    = timer->next;
-        timer->next  = nullptr;
-        FreeTimer(timer);
-    }
+    timerFreeAll(cancelled);
 }
 
 // A task's timer: refused, with null stored, when the pool is empty.
