@@ -16,6 +16,7 @@
 #define COMMON_OS_LOG_H
 
 #include <stdarg.h>
+#include <stddef.h>
 #include <stdint.h>
 #include <syslog.h>
 
@@ -145,12 +146,46 @@ int LogSpewFilterLoad(void);
 int LogSetForward(int32_t flag);
 int32_t LogGetForward(void);
 
-/* ---- Queue ---------------------------------------------------------------
- * Any thread. */
+/* ---- Queue and writer task ----------------------------------------------
+ * A finished line is copied into a ring of 512 KiB; the task "logw" prints
+ * it on standard output (level word when the "level" bit is set, processor
+ * column, text, after the time prefix) and passes it to syslog when
+ * forwarding is on. A line that finds the ring full is dropped, and the
+ * overflow line "WARN   pc[0]: SYSLOG QUEUE OVERFLOW" goes to standard error
+ * and, when it fits, into the ring in its place. */
 
+/* Starts the writer: empties the ring, creates its semaphore and the task
+ * "logw" at priority 0; a failure is logged at level 0. Once, at OS start,
+ * from the thread that starts the layer. */
+void LogWriterStart(void);
+/* Sets the highest severity (see LogLevelFromLetter) that is queued; 7 at
+ * start. Any thread. */
+void LogSetThreshold(int32_t severity);
 /* Queues a finished line for the writer task. Until the writer has been
- * started every line is dropped; `length` is not used. */
+ * started every line is dropped; `length` is not used. Any thread, never
+ * from a signal handler. */
 void LogEnqueue(const char *line, int length);
+/* Prints the lines of the ring until it is empty. The writer task's own
+ * step: only from the writer. */
+void LogDrain(void);
+/* The body of the task "logw": waits for event bit 0 and drains, forever. */
+void LogWriterTask(void);
+/* Waits until the writer has printed what was queued before the call (a
+ * drain has left the ring empty), then flushes standard output; returns at
+ * once when no writer runs. For a program that is about to end. Any thread
+ * but the writer; a cancellation point. */
+void LogWriterSync(void);
+/* The severity of a line from its first letter: 'C' 2, 'E' 3, 'W' 4, 'I' 6,
+ * any other 7. Any thread. */
+int32_t LogLevelFromLetter(char letter);
+
+/* Copies at most `limit` characters of `source` to `destination` (limit + 1
+ * characters), each '%' replaced by '$', and terminates it; returns
+ * `destination`. Any thread. */
+char *logEscapePercent(char *destination, const char *source, size_t limit);
+/* Replaces each `oldChar` by `newChar` within the first `limit` characters
+ * of `text`, in place; stops at the terminator. Any thread. */
+void logReplaceChar(char *text, char oldChar, char newChar, size_t limit);
 
 /* ---- System-log names ---------------------------------------------------
  * The program defines openlog, closelog and setlogmask itself, with the

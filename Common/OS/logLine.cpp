@@ -254,8 +254,12 @@ int LogCheckRepeat(const char *line) {
 }
 
 int LogTimeStamp(char *buffer) {
-    buffer[0]  = '\0';
-    int length = 0;
+    buffer[0]             = '\0';
+    int length            = 0;
+    const uint32_t format = LogGetFormat();
+    // The writer asks for each line: without a prefix the clock isn't read.
+    if ((format & (LOG_FORMAT_DATE | LOG_FORMAT_TIME)) == 0)
+        return 0;
 
     timeval now{};
     LogTimeOfDay source = logTimeOfDay.load(std::memory_order_acquire);
@@ -265,7 +269,6 @@ int LogTimeStamp(char *buffer) {
     gmtime_r(&seconds, &utc);
 
     constexpr size_t pieceLimit = 28;
-    const uint32_t format       = LogGetFormat();
     if ((format & LOG_FORMAT_DATE) != 0)
         length += static_cast<int>(strftime(buffer + length, pieceLimit, "%F", &utc));
     if ((format & LOG_FORMAT_TIME) != 0) {

@@ -5,6 +5,7 @@
 #ifndef COMMON_OS_LOGSEAM_H
 #define COMMON_OS_LOGSEAM_H
 
+#include <cstdio>
 #include <sys/time.h>
 
 // Called with each line that enters LogEnqueue, before the queue decides what
@@ -19,5 +20,20 @@ using LogTimeOfDay = void (*)(timeval *now);
 // Puts `source` in place (null: the real time of day) and returns the
 // previous one (null when the real one was in place).
 LogTimeOfDay LogTimeOfDaySet(LogTimeOfDay source);
+
+// Where the writer prints (null: standard output). Returns the previous one.
+FILE *LogWriterStreamSet(FILE *stream);
+
+// Takes each forwarded line in place of syslog (null: syslog). Returns the
+// previous one.
+using LogForwarder = void (*)(int priority, const char *text);
+LogForwarder LogForwarderSet(LogForwarder forwarder);
+
+// Sets the ring up for a test without the writer task: creates its semaphore
+// and counts a writer as present, so that lines are queued and a wrap spares
+// unread records; the test drains by hand with LogDrain and may set the
+// ring's words through logRing.h. Only in a process whose writer task was
+// never started.
+void LogRingHold();
 
 #endif
