@@ -72,7 +72,10 @@ extern uint8_t gRtCategoryFlags[RT_CATEGORY_FLAGS_SIZE];
 #define RT_TIME_STRING_SIZE 28
 
 /* The vocabulary of trace headers and commands. Nothing in this system reads
- * them; they are there for programs that print trace lines with headers. */
+ * them, and the library prints no trace line with a header: a program that
+ * wants one asks CmDebgIsFiltered with the line's level and category, then
+ * fills CmDebgHeaderFormat's three fields with the time text, the level
+ * letter and the category name. */
 /* One letter per level 0 to 7. */
 extern const char *const gRtLevelLetters[8];
 /* The names of the header fields, then an empty text as the end. */

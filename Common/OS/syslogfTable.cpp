@@ -189,9 +189,8 @@ constexpr string_view rtTrimmed(string_view name) {
     return last == string_view::npos ? string_view{} : name.substr(0, last + 1);
 }
 
-// At most 14 characters, no trailing blank, and each field one word that is
-// blank-padded to the field's width (the padding reaches the next field by
-// the field's width; the last field has none since the name ends there).
+// At most 14 characters and no trailing blank; each field present holds one
+// word and, when another field follows, blanks up to its width.
 constexpr bool rtNameIsWellFormed(string_view name) {
     if (name.empty() || name.size() > RT_CATEGORY_NAME_MAX || name.back() == ' ')
         return false;
