@@ -110,6 +110,23 @@ typedef struct Semaphore {
     pthread_mutex_t lock; /* taken means locked */
 } Semaphore;
 
+/* ---- OS start ---------------------------------------------------------------
+ * A program calls os_start once, from the thread that is to become the task
+ * "main" (priority 60), before any other call of the layer. */
+
+/* Probes the thread library, gives the locks their final attributes, sets
+ * the policy SCHED_RR, starts the log writer with `level` as its threshold
+ * (-2 stands for 3; -1 starts no writer and leaves the threshold at 7), the
+ * trace categories and the timer task "tmtk", and attaches the caller as
+ * "main". 0, or -1 when the categories, the attach or the look-up of "main"
+ * fail; what was started keeps running. */
+int32_t os_start(int32_t level);
+/* The task "main", or null before os_start. Any thread. */
+Tcb *os_main_task(void);
+/* Sets osIsNptl from the thread library's version text; prints a warning
+ * and keeps 1 when there is none. Part of os_start. */
+void os_probe_pthread(void);
+
 /* ---- Task registry ----------------------------------------------------------
  * Scheduling policy of real-time tasks: 0 (SCHED_OTHER) until the OS start
  * sets 2 (SCHED_RR). */
