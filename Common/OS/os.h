@@ -17,6 +17,7 @@
 #define COMMON_OS_OS_H
 
 #include "Common/OS/bintree.h"
+#include "Common/OS/osUsage.h"
 
 #include <pthread.h>
 #include <sched.h>
