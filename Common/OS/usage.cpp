@@ -216,17 +216,19 @@ void usageProcesses(FILE *out) {
     UsageDirHold dir;
     if (usageProcDir == nullptr)
         return;
+    // The 64-bit forms: on a 32-bit build the plain readdir and stat fail
+    // with EOVERFLOW on a file system whose inode numbers pass 32 bits.
     uint32_t otherTotal = 0;
-    while (const dirent *entry = readdir(usageProcDir)) {
+    while (const dirent64 *entry = readdir64(usageProcDir)) {
         if (entry->d_name[0] < '0' || entry->d_name[0] > '9')
             continue;
         const int pid = std::atoi(entry->d_name);
         if (static_cast<uint32_t>(pid) == ownPid)
             continue;
         char path[usagePathBytes];
-        struct stat info;
+        struct stat64 info;
         std::snprintf(path, sizeof path, "%s/%d", usageFolder.data(), pid);
-        if (::stat(path, &info) != 0)
+        if (stat64(path, &info) != 0)
             continue;
         std::snprintf(path, sizeof path, "%s/%d/stat", usageFolder.data(), pid);
         UsageStat stat;
