@@ -1,8 +1,8 @@
 /* A small program on the OS layer, written the way the appliance's programs
  * are. It starts the layer, becomes the task "main", runs a pacer task driven
  * by a repeating timer and a worker task that waits for the pacer with a time
- * limit, logs at several levels through the writer task "logw", and lists its
- * tasks at the end. */
+ * limit, logs at several levels through the writer task "logw", and ends
+ * with the processor usage of the rounds and the list of its tasks. */
 #include "Common/OS/log.h"
 #include "Common/OS/os.h"
 
@@ -12,6 +12,7 @@ enum {
     EV_TICK      = 0x1, /* the repeating timer, to the pacer */
     EV_WORK      = 0x2, /* the pacer, to the worker */
     EV_DONE      = 0x4, /* the worker, to main */
+    EV_QUIT      = 0x8, /* never sent: the worker stays to be reported */
     ROUNDS       = 5,
     PERIOD_TICKS = 5,  /* 50 ms between rounds */
     WORK_LIMIT   = 50, /* how long the worker waits for a round, in ticks */
@@ -36,7 +37,15 @@ static void pacer(uint32_t rounds, uint32_t unused1, uint32_t unused2, uint32_t 
     tm_cancel(timer);
 }
 
-/* Does the rounds, waiting for each with a time limit, then tells main. */
+/* A round's work: enough arithmetic to show in the usage report. */
+static uint32_t crunch(uint32_t seed) {
+    for (uint32_t i = 0; i < 4000000; ++i)
+        seed = seed * 1664525u + 1013904223u;
+    return seed;
+}
+
+/* Does the rounds, waiting for each with a time limit, then tells main and
+ * stays until the process ends. */
 static void work(uint32_t rounds, uint32_t unused1, uint32_t unused2, uint32_t unused3) {
     (void)unused1, (void)unused2, (void)unused3;
     uint32_t done = 0;
@@ -47,9 +56,11 @@ static void work(uint32_t rounds, uint32_t unused1, uint32_t unused2, uint32_t u
             continue;
         }
         ++done;
-        LogInfo("work", "round %u of %u done\n", done, rounds);
+        LogInfo("work", "round %u of %u done (%08x)\n", done, rounds, crunch(done));
     }
     ev_send(os_main_task(), EV_DONE);
+    uint32_t received = 0;
+    ev_receive(EV_QUIT, 0, 0, &received);
 }
 
 /* Priority 0, time-shared: the demo runs on a host without real-time rights
@@ -75,6 +86,9 @@ int main(void) {
     LogInfo("demo", "started, %d rounds of %d ticks\n", ROUNDS, PERIOD_TICKS);
     LogSetFormat(LogGetFormat() | LOG_FORMAT_LEVEL);
 
+    /* The first report sets the start of the measurement. */
+    LogWriterSync();
+    t_usage();
     worker = startTask("work", work);
     if (worker == NULL || startTask("pace", pacer) == NULL)
         return 1;
@@ -87,6 +101,7 @@ int main(void) {
         LogWarn("demo", "no tick for main within 3 ticks, as expected\n");
 
     LogWriterSync();
+    t_usage();
     t_list();
     return 0;
 }
