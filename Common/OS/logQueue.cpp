@@ -113,7 +113,14 @@ extern "C" void LogEnqueue(const char *line, int length) {
 
     if (place.overflow)
         std::fputs(logOverflowLine.data(), stderr);
-    // Also when nothing was stored: a wake-up costs little and is never lost.
-    if (Tcb *writer = logTask.load(std::memory_order_acquire); writer != nullptr)
-        ev_send(writer, 1);
+    // The writer is woken also when nothing was stored, except while its
+    // wake-up bit is still pending: then it has yet to take the bit and
+    // drain. The fences pair with the writer's, between taking the bit and
+    // reading the tail: if this load doesn't see the bit taken, that drain
+    // sees this line's tail.
+    if (Tcb *writer = logTask.load(std::memory_order_acquire); writer != nullptr) {
+        std::atomic_thread_fence(std::memory_order_seq_cst);
+        if ((std::atomic_ref(writer->events).load(std::memory_order_relaxed) & logWakeBit) == 0)
+            ev_send(writer, logWakeBit);
+    }
 }

@@ -123,6 +123,8 @@ extern "C" void LogWriterTask(void) {
     for (;;) {
         uint32_t received = 0;
         ev_receive(0xffff, EV_ANY, 0, &received);
+        // Pairs with the producers' fence: see LogEnqueue.
+        std::atomic_thread_fence(std::memory_order_seq_cst);
         LogDrain();
         OsLockHold hold(&logSyncLock);
         pthread_cond_broadcast(&logSyncDrained);
@@ -158,7 +160,7 @@ extern "C" void LogWriterSync(void) {
     if (writer != nullptr && logWriterRuns.load(std::memory_order_relaxed)) {
         // Every line queued has woken the writer already; this send only
         // makes sure of a drain to come.
-        ev_send(writer, 1);
+        ev_send(writer, logWakeBit);
         OsLockHold hold(&logSyncLock);
         while (!logRingEmpty())
             pthread_cond_wait(&logSyncDrained, &logSyncLock);
