@@ -9,10 +9,14 @@
 #include <cstring>
 #include <string_view>
 
+// The writer's word and the producers' words lie on cache lines of their own,
+// so that each side's writes don't evict what the other reads for every line.
+constexpr size_t logCacheLine = 64;
 char logRing[logRingSize];
-std::atomic<int32_t> logHead{0};
-std::atomic<int32_t> logTail{0};
-std::atomic<Semaphore *> logSem{nullptr};
+alignas(logCacheLine) std::atomic<int32_t> logHead{0};
+alignas(logCacheLine) std::atomic<int32_t> logTail{0};
+std::atomic<bool> logWakePending{false};
+alignas(logCacheLine) std::atomic<Semaphore *> logSem{nullptr};
 std::atomic<Tcb *> logTask{nullptr};
 std::atomic<bool> logWriterRuns{false};
 
@@ -107,20 +111,18 @@ extern "C" void LogEnqueue(const char *line, int length) {
         std::memcpy(logRing + place.offset, place.text, static_cast<size_t>(place.size - 1));
         logRing[place.offset + place.size - 1] = '\0';
         // The bytes are in place before the tail shows them to the writer.
-        logTail.store(place.offset + place.size, std::memory_order_release);
+        // Sequentially consistent, with the wake-up flag below.
+        logTail.store(place.offset + place.size, std::memory_order_seq_cst);
     }
     sm_v(sem);
 
     if (place.overflow)
         std::fputs(logOverflowLine.data(), stderr);
-    // The writer is woken also when nothing was stored, except while its
-    // wake-up bit is still pending: then it has yet to take the bit and
-    // drain. The fences pair with the writer's, between taking the bit and
-    // reading the tail: if this load doesn't see the bit taken, that drain
-    // sees this line's tail.
-    if (Tcb *writer = logTask.load(std::memory_order_acquire); writer != nullptr) {
-        std::atomic_thread_fence(std::memory_order_seq_cst);
-        if ((std::atomic_ref(writer->events).load(std::memory_order_relaxed) & logWakeBit) == 0)
-            ev_send(writer, logWakeBit);
-    }
+    // The writer is woken also when nothing was stored, but not while a
+    // wake-up is still pending: the writer clears the flag before each drain,
+    // and every order of these sequentially consistent steps leaves this line
+    // to a drain that comes after it.
+    if (Tcb *writer = logTask.load(std::memory_order_acquire);
+        writer != nullptr && !logWakePending.exchange(true, std::memory_order_seq_cst))
+        ev_send(writer, logWakeBit);
 }

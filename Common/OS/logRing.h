@@ -21,8 +21,10 @@ extern std::atomic<int32_t> logHead;
 // Offset behind the last string stored: written by the producers only, under
 // logSem, once the bytes are in place (and by LogWriterStart).
 extern std::atomic<int32_t> logTail;
-// The event bit that wakes the writer.
+// The event bit that wakes the writer, and whether a producer has sent it
+// since the writer last took it: set by producers, cleared by the writer.
 constexpr uint32_t logWakeBit = 1;
+extern std::atomic<bool> logWakePending;
 // Guards the producers; null until LogWriterStart.
 extern std::atomic<Semaphore *> logSem;
 // The writer task "logw"; null until it is created.
