@@ -132,6 +132,7 @@ extern "C" void LogWriterTask(void) {
 }
 
 extern "C" void LogWriterStart(void) {
+    OS_ASSERT(logTask.load() == nullptr); // the writer starts once
     logRing[0] = '\0';
     logHead.store(0, std::memory_order_relaxed);
     logTail.store(0, std::memory_order_relaxed);
