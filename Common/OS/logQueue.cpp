@@ -111,18 +111,18 @@ extern "C" void LogEnqueue(const char *line, int length) {
         std::memcpy(logRing + place.offset, place.text, static_cast<size_t>(place.size - 1));
         logRing[place.offset + place.size - 1] = '\0';
         // The bytes are in place before the tail shows them to the writer.
-        // Sequentially consistent, with the wake-up flag below.
-        logTail.store(place.offset + place.size, std::memory_order_seq_cst);
+        logTail.store(place.offset + place.size, std::memory_order_release);
     }
     sm_v(sem);
 
     if (place.overflow)
         std::fputs(logOverflowLine.data(), stderr);
     // The writer is woken also when nothing was stored, but not while a
-    // wake-up is still pending: the writer clears the flag before each drain,
-    // and every order of these sequentially consistent steps leaves this line
-    // to a drain that comes after it.
+    // wake-up is still pending. The writer takes the flag back with an
+    // exchange before each drain: when that exchange comes after this one, it
+    // reads this one's true and so sees this line's tail in the drain; when
+    // it comes before, this exchange reads false and wakes the writer.
     if (Tcb *writer = logTask.load(std::memory_order_acquire);
-        writer != nullptr && !logWakePending.exchange(true, std::memory_order_seq_cst))
+        writer != nullptr && !logWakePending.exchange(true, std::memory_order_acq_rel))
         ev_send(writer, logWakeBit);
 }

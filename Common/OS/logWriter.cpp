@@ -100,7 +100,7 @@ extern "C" void LogDrain(void) {
     if (out == nullptr)
         out = stdout;
     for (;;) {
-        const int32_t snapshot = logTail.load(std::memory_order_seq_cst);
+        const int32_t snapshot = logTail.load(std::memory_order_acquire);
         const int32_t head     = logHead.load(std::memory_order_relaxed);
         if (head == snapshot)
             return;
@@ -124,7 +124,7 @@ extern "C" void LogWriterTask(void) {
         uint32_t received = 0;
         ev_receive(0xffff, EV_ANY, 0, &received);
         // Before the drain reads the tail: see LogEnqueue.
-        logWakePending.store(false, std::memory_order_seq_cst);
+        logWakePending.exchange(false, std::memory_order_acq_rel);
         LogDrain();
         OsLockHold hold(&logSyncLock);
         pthread_cond_broadcast(&logSyncDrained);
