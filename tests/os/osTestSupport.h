@@ -1,9 +1,11 @@
 // Helpers of the OS-layer tests: a one-way gate over a pipe (its wait is a
-// cancellation point, where a task can be deleted), the lines that reach the
-// log queue, and whether this process may use real-time scheduling.
+// cancellation point, where a task can be deleted), tasks started and waited
+// out, the lines that reach the log queue, and whether this process may use
+// real-time scheduling.
 #ifndef TESTS_OS_OSTESTSUPPORT_H
 #define TESTS_OS_OSTESTSUPPORT_H
 
+#include "Common/OS/os.h"
 #include "log/logTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -36,6 +38,21 @@ struct Gate {
     }
     int fd[2];
 };
+
+// Creates and starts a task at priority 0; `tcb` is set before it runs.
+inline void startTask(Tcb *&tcb, const char *name, TaskEntry entry,
+                      const uint32_t *args = nullptr) {
+    ASSERT_EQ(t_create(name, 0, 0, 0, 0, &tcb), 0);
+    ASSERT_EQ(t_start(tcb, 0, entry, args), 0);
+}
+
+// A task that ends by itself frees its record on its own thread, after
+// anything a test could wait on: wait until its name is gone.
+inline void waitUntilGone(const char *name) {
+    Tcb *found = nullptr;
+    while (t_ident(name, 0, &found) == 0)
+        sched_yield();
+}
 
 // Records the log lines of a scope.
 struct LogLines {
