@@ -41,8 +41,8 @@ struct OsEvent : testing::Test {
     }
 };
 
-// Each row sends `pending`, then receives; a thread waits for the timed wait
-// to begin, gives `ticks` and sends `later`.
+// Each row sends `pending`, then receives; with `ticks`, a thread waits for
+// the timed wait to begin, gives the ticks, then sends `later`.
 TEST_F(OsEvent, ReceiveMatchesWaitsTakesAndLeavesBitsAsItsFlagsSay) {
     struct {
         uint32_t pending, wanted, flags, timeout, ticks, later, result, out, left;
