@@ -18,6 +18,7 @@
 
 #include "Common/OS/bintree.h"
 #include "Common/OS/osUsage.h"
+#include "Common/OS/osUtil.h"
 
 #include <pthread.h>
 #include <sched.h>
