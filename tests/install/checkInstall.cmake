@@ -16,10 +16,12 @@ include(GNUInstallDirs)
 foreach(f
     bin/scalerctl
     bin/pwsimd
+    bin/plaunchd
     ${CMAKE_INSTALL_LIBDIR}/libscalerctl-support.a
     ${CMAKE_INSTALL_LIBDIR}/cmake/scalerctl/scalerctlConfig.cmake
     ${CMAKE_INSTALL_LIBDIR}/pkgconfig/scalerctl-support.pc
     include/Common/OS/os.h
+    include/Common/OS/osUtil.h
     include/Common/OS/osAssert.h
     include/Common/OS/log.h
     include/Common/OS/settings.h
@@ -29,7 +31,8 @@ foreach(f
     include/avc/main/vidTiming.h
     include/avc/main/sysCaps.h
     share/man/man1/scalerctl.1
-    share/man/man1/pwsimd.1)
+    share/man/man1/pwsimd.1
+    share/man/man1/plaunchd.1)
   if(NOT EXISTS ${prefix}/${f})
     message(FATAL_ERROR "not installed: ${f}")
   endif()
