@@ -25,15 +25,21 @@ const char *requestPath() {
     return path != nullptr ? path : OS_LAUNCH_PATH;
 }
 
-// The "scall" semaphore, made by the first caller. A magic static makes it
-// exactly once even for two first callers at the same moment.
+// The "scall" semaphore, made by the first caller. Two first callers at the
+// same moment both make one; the one that comes second deletes its own and
+// uses the other. Null while none could be made; the next call tries again.
+std::atomic<Semaphore *> scallId{nullptr};
+
 Semaphore *scall() {
-    static Semaphore *const id = [] {
-        Semaphore *made   = nullptr;
-        const int created = sm_create("scall", 1, 0, &made);
-        OS_ASSERT(created == 0); // no memory for one small record
+    Semaphore *id = scallId.load(std::memory_order_acquire);
+    if (id != nullptr)
+        return id;
+    Semaphore *made = nullptr;
+    if (sm_create("scall", 1, 0, &made) != 0)
+        return nullptr;
+    if (scallId.compare_exchange_strong(id, made, std::memory_order_acq_rel))
         return made;
-    }();
+    sm_delete(made);
     return id;
 }
 
@@ -41,10 +47,11 @@ Semaphore *scall() {
 // read, write), and the destructor gives the semaphore back when a
 // cancelled task unwinds. "scall" is taken before the log's locks.
 struct ScallHold {
-    ScallHold() { sm_p(scall(), 0, 0); }
-    ~ScallHold() { sm_v(scall()); }
+    explicit ScallHold(Semaphore *semaphore) : id(semaphore) { sm_p(id, 0, 0); }
+    ~ScallHold() { sm_v(id); }
     ScallHold(const ScallHold &)            = delete;
     ScallHold &operator=(const ScallHold &) = delete;
+    Semaphore *id;
 };
 
 // A write to a pipe whose reader went away (the peer stopped) must fail
@@ -130,6 +137,14 @@ int readAnswer(const char *path, char (&line)[OS_LAUNCH_ANSWER_MAX + 1]) {
     return bytes;
 }
 
+// Logs a request that didn't reach the peer, by errno: -1.
+int32_t launchFailed(const char *command) {
+    const int error = errno;
+    char text[128];
+    LogError(launchSource, "%s [%d %s]\n", command, error, strerror_r(error, text, sizeof text));
+    return -1;
+}
+
 } // namespace
 
 const char *LaunchPathSet(const char *path) {
@@ -139,22 +154,23 @@ const char *LaunchPathSet(const char *path) {
 // Decided here: the path is opened without following a symbolic link and is
 // never created, so that a link or a file planted in a shared /tmp gets no
 // command written into it; a failed write of the request counts as a failed
-// open. A newline inside the command is sent as it is.
+// open; when no "scall" semaphore can be made the request fails with ENOMEM.
+// A newline inside the command is sent as it is (plaunchd refuses it).
 extern "C" int32_t systemLaunch(const char *command) {
     OS_ASSERT(command != nullptr);
-    ScallHold hold;
+    Semaphore *id = scall();
+    if (id == nullptr) {
+        errno = ENOMEM;
+        return launchFailed(command);
+    }
+    ScallHold hold(id);
     const char *path = requestPath();
     char line[OS_LAUNCH_ANSWER_MAX + 1];
     int bytes = -1;
     if (writeRequest(path, command))
         bytes = readAnswer(path, line);
-    if (bytes < 0) {
-        const int error = errno;
-        char text[128];
-        LogError(launchSource, "%s [%d %s]\n", command, error,
-                 strerror_r(error, text, sizeof text));
-        return -1;
-    }
+    if (bytes < 0)
+        return launchFailed(command);
     // As atoi reads it: the number at the start, 0 when there is none.
     const int32_t result = bytes > 0 ? static_cast<int32_t>(std::strtol(line, nullptr, 10)) : -1;
     LogInfo(launchSource, "%s [%d]\n", command, static_cast<int>(result));
