@@ -4,89 +4,56 @@
 #include "Common/OS/launchSeam.h"
 #include "Common/OS/os.h"
 #include "osTestSupport.h"
+#include "tests/pwsimd/simProcess.h"
 #include "tools/plaunchd/launchServe.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
-#include <poll.h>
-#include <spawn.h>
 #include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <vector>
-
-#ifndef PLAUNCHD_PATH
-#error "PLAUNCHD_PATH must name the plaunchd program"
-#endif
-#ifndef PLAUNCHD_EMULATOR
-#error "PLAUNCHD_EMULATOR must list the emulator and its arguments (empty when native)"
-#endif
-
-extern char **environ;
+#include <utility>
 
 namespace {
 
 using ostest::Lines;
 
-// One plaunchd, started behind the emulator of a cross build, with its
-// standard output and error on pipes. The destructor kills one still running.
+// One plaunchd on `path`, behind the emulator of a cross build, started by
+// a shell that prints its process id and becomes the daemon; killed by the
+// destructor if still running.
 struct Daemon {
-    pid_t pid = -1;
-    int out = -1, err = -1;
+    explicit Daemon(const std::string &path) {
+        std::string emulator = PLAUNCHD_EMULATOR;
+        std::replace(emulator.begin(), emulator.end(), ';', ' ');
+        out =
+            popen(("echo $$; exec " + emulator + " " PLAUNCHD_PATH " --path " + path).c_str(), "r");
+        pid = std::atoi(line(out).c_str());
+    }
     ~Daemon() {
-        if (pid > 0 && kill(pid, SIGKILL) == 0)
-            waitpid(pid, nullptr, 0);
-        close(out);
-        close(err);
+        if (pid > 0)
+            kill(pid, SIGKILL);
+        if (out != nullptr)
+            pclose(out);
     }
-    bool start(const std::string &path) {
-        std::vector<std::string> words;
-        for (std::string rest = PLAUNCHD_EMULATOR; !rest.empty();) {
-            const std::size_t end = rest.find(';');
-            if (end != 0)
-                words.push_back(rest.substr(0, end));
-            rest.erase(0, end == std::string::npos ? rest.size() : end + 1);
-        }
-        words.insert(words.end(), {PLAUNCHD_PATH, "--path", path});
-        std::vector<char *> argv;
-        for (std::string &word : words)
-            argv.push_back(word.data());
-        argv.push_back(nullptr);
-        int o[2], e[2];
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        if (pipe2(o, O_CLOEXEC) != 0 || pipe2(e, O_CLOEXEC) != 0)
-            return false;
-        posix_spawn_file_actions_adddup2(&actions, o[1], STDOUT_FILENO);
-        posix_spawn_file_actions_adddup2(&actions, e[1], STDERR_FILENO);
-        const int error = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-        posix_spawn_file_actions_destroy(&actions);
-        close(o[1]);
-        close(e[1]);
-        out = o[0];
-        err = e[0];
-        return error == 0;
-    }
-    // The next line of `fd` without its newline, "" at its end; a minute
-    // without output counts as the end (a guard against a hang).
-    static std::string line(int fd) {
-        std::string text;
-        char c;
-        for (pollfd p{fd, POLLIN, 0}; poll(&p, 1, 60000) > 0 && read(fd, &c, 1) == 1 && c != '\n';)
-            text += c;
+    // The next line of `stream` without its newline.
+    static std::string line(FILE *stream) {
+        char text[256] = "";
+        if (stream != nullptr && std::fgets(text, sizeof text, stream) != nullptr)
+            text[std::strcspn(text, "\n")] = '\0';
         return text;
     }
-    // Sends `sig` (none with 0) and waits: the exit status, -1 for a signal.
-    int end(int sig) {
-        if (sig != 0)
-            kill(pid, sig);
-        int status = 0;
-        waitpid(pid, &status, 0);
-        pid = -1;
+    // Sends `sig` and waits: the exit status, -1 after a signal.
+    int stop(int sig) {
+        kill(std::exchange(pid, 0), sig);
+        const int status = pclose(std::exchange(out, nullptr));
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
+    FILE *out = nullptr;
+    pid_t pid = 0;
 };
 
 class OsLaunch : public testing::Test {
@@ -102,27 +69,12 @@ class OsLaunch : public testing::Test {
         LaunchPathSet(nullptr);
         EXPECT_EQ(system(("rm -rf " + dir).c_str()), 0);
     }
-    // Starts plaunchd on `path` and waits for its ready line.
-    void serve(Daemon &daemon) {
-        ASSERT_TRUE(daemon.start(path));
-        ASSERT_EQ(Daemon::line(daemon.out), "plaunchd: serving " + path);
-    }
-    // One request written over the pipe by hand: the answer line.
-    std::string request(const std::string &bytes) {
-        const int w = open(path.c_str(), O_WRONLY);
-        EXPECT_EQ(write(w, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-        close(w);
-        const int r              = open(path.c_str(), O_RDONLY);
-        const std::string answer = Daemon::line(r);
-        close(r);
-        return answer;
-    }
     std::string dir, path;
 };
 
-TEST_F(OsLaunch, ThePeerRunsEachCommandAndAnswersItsStatus) {
-    Daemon daemon;
-    serve(daemon);
+TEST_F(OsLaunch, ThePeerRunsEachCommandAndRefusesBadLines) {
+    Daemon daemon(path);
+    ASSERT_EQ(Daemon::line(daemon.out), "plaunchd: serving " + path);
     const std::string marker = dir + "/ran";
     struct {
         std::string command;
@@ -142,27 +94,28 @@ TEST_F(OsLaunch, ThePeerRunsEachCommandAndAnswersItsStatus) {
     EXPECT_EQ(stat(marker.c_str(), &st), 0);
     EXPECT_EQ(lstat(path.c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0600u);
-    EXPECT_EQ(daemon.end(SIGTERM), 0);
-    EXPECT_NE(lstat(path.c_str(), &st), 0); // removed
-}
-
-TEST_F(OsLaunch, TheDaemonRefusesBadLinesAndGoesOn) {
-    Daemon daemon;
-    serve(daemon);
+    // Requests written by hand; each refusal leaves the daemon serving.
     const std::string longest(launchLineMax - 6, ' ');
     struct {
         std::string bytes;
         const char *answer;
-    } const cases[] = {
+    } const requests[] = {
         {"exit 9" + longest + "\n", "9"},
         {"exit 9" + longest + " \n", "-1 refused: over-long command line"},
         {std::string("exit\0 9\n", 8), "-1 refused: zero byte in the command line"},
         {"exit 1\nexit 2\n", "-1 refused: more than one line"},
         {"exit 5", "5"}, // no newline at the end
     };
-    for (const auto &c : cases)
-        EXPECT_EQ(request(c.bytes), c.answer) << c.bytes.size();
-    EXPECT_EQ(daemon.end(SIGINT), 0);
+    for (const auto &r : requests) {
+        const int w = open(path.c_str(), O_WRONLY);
+        EXPECT_EQ(write(w, r.bytes.data(), r.bytes.size()), static_cast<ssize_t>(r.bytes.size()));
+        close(w);
+        FILE *answer = std::fopen(path.c_str(), "r");
+        EXPECT_EQ(Daemon::line(answer), r.answer) << r.bytes.size();
+        std::fclose(answer);
+    }
+    EXPECT_EQ(daemon.stop(SIGTERM), 0);
+    EXPECT_NE(lstat(path.c_str(), &st), 0); // removed
 }
 
 // The result of each request goes to the task that made it.
@@ -173,8 +126,8 @@ void launchMany(uint32_t task, uint32_t, uint32_t, uint32_t) {
 }
 
 TEST_F(OsLaunch, OneRequestAtATimeFromSeveralTasks) {
-    Daemon daemon;
-    serve(daemon);
+    Daemon daemon(path);
+    ASSERT_EQ(Daemon::line(daemon.out), "plaunchd: serving " + path);
     Tcb *tasks[4];
     for (uint32_t task = 0; task < 4; ++task) {
         const uint32_t args[4] = {task, 0, 0, 0};
@@ -216,30 +169,25 @@ TEST_F(OsLaunch, WithoutAPeer) {
 }
 
 TEST_F(OsLaunch, TheDaemonRefusesAPathItDoesNotOwn) {
-    const std::string fifo = dir + "/fifo", file = dir + "/file";
-    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-    ASSERT_EQ(close(creat(file.c_str(), 0600)), 0);
-    // Another user's pipe needs root to make; without root that row is
-    // left out, and the rows of the other kinds still run.
-    const bool root = geteuid() == 0 && chown(fifo.c_str(), 65534, 65534) == 0;
+    // Another user's pipe needs root to make; without root that row is left
+    // out.
     struct {
         std::string made; // how the path is made, as a shell command
         const char *why;
     } const cases[] = {
-        {"ln -s " + fifo + " " + path, "is a symbolic link; refused"},
+        {"ln -s " + dir + " " + path, "is a symbolic link; refused"},
         {"ln -s " + dir + "/none " + path, "is a symbolic link; refused"},
-        {"cp " + file + " " + path, "exists and is not a named pipe; refused"},
-        {"mkdir " + path, "exists and is not a named pipe; refused"},
-        {root ? "mv " + fifo + " " + path : "", "is a named pipe of another user (uid 65534)"},
+        {"touch " + path, "exists and is not a named pipe; refused"},
+        {geteuid() == 0 ? "mkfifo -m 600 " + path + " && chown 65534 " + path : "",
+         "is a named pipe of another user (uid 65534); refused"},
     };
     for (const auto &c : cases) {
         if (c.made.empty())
             continue;
-        ASSERT_EQ(system(("rm -rf " + path + " && " + c.made).c_str()), 0);
-        Daemon daemon;
-        ASSERT_TRUE(daemon.start(path));
-        EXPECT_EQ(Daemon::line(daemon.err).find("plaunchd: " + path + " " + c.why), 0u) << c.made;
-        EXPECT_EQ(daemon.end(0), 1) << c.made;
+        ASSERT_EQ(system(("rm -f " + path + " && " + c.made).c_str()), 0);
+        const ProgramRun run = RunProgram(PLAUNCHD_EMULATOR, PLAUNCHD_PATH, {"--path", path});
+        EXPECT_EQ(run.ExitStatus, 1) << c.made;
+        EXPECT_EQ(run.Err, "plaunchd: " + path + " " + c.why + "\n") << c.made;
         EXPECT_EQ(system(("ls -d " + path + " >/dev/null").c_str()), 0) << "left alone";
     }
 }
