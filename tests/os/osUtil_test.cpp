@@ -1,6 +1,6 @@
 // The small services of the OS layer: the text functions as tables, the
-// environment copy at its size limits, a process found by its exact name,
-// the first line of a command, and the interrupt lock's nesting and reports.
+// environment copy at its size limits, a process found by its exact name, and
+// the interrupt lock's nesting and reports.
 #include "Common/OS/os.h"
 #include "Common/OS/osLocks.h"
 #include "osTestSupport.h"
@@ -94,24 +94,6 @@ TEST(OsProcess, EnvCopyNeedsRoomForTheTerminator) {
         char buffer[8] = "xxxxxxx";
         EXPECT_EQ(envCopy(c.name, buffer, c.size), c.result) << c.size;
         EXPECT_STREQ(buffer, c.result == 0 ? "abcd" : "xxxxxxx");
-    }
-}
-
-TEST(OsProcess, CommandLineGivesTheFirstLineTrimmed) {
-    struct {
-        const char *command;
-        int32_t size, result;
-        const char *text;
-    } const cases[] = {
-        {"printf '  a b \\t\\nsecond\\n'", 64, 0, "a b"},
-        {"printf abcdef", 4, 0, "abc"},
-        {"printf '   \\n'", 64, 0, ""},
-        {"true", 64, -1, ""},
-    };
-    for (const auto &c : cases) {
-        char buffer[64] = "old";
-        EXPECT_EQ(commandLine(c.command, buffer, c.size), c.result) << c.command;
-        EXPECT_STREQ(buffer, c.text);
     }
 }
 
