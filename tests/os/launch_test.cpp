@@ -48,6 +48,8 @@ struct Daemon {
     }
     // Sends `sig` and waits: the exit status, -1 after a signal.
     int stop(int sig) {
+        if (pid <= 0) // never the process group
+            return -1;
         kill(std::exchange(pid, 0), sig);
         const int status = pclose(std::exchange(out, nullptr));
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
