@@ -22,6 +22,8 @@ foreach(f
     ${CMAKE_INSTALL_LIBDIR}/pkgconfig/scalerctl-support.pc
     include/Common/OS/os.h
     include/Common/OS/osUtil.h
+    include/Common/OS/osUsage.h
+    include/Common/OS/syslogf.h
     include/Common/OS/osAssert.h
     include/Common/OS/log.h
     include/Common/OS/settings.h

@@ -124,8 +124,9 @@ TEST(OsProcess, FindProcessMatchesTheWholeName) {
 // as after the OS start.
 class OsInterrupts : public testing::Test {
   protected:
-    static void SetUpTestSuite() { os_init_locks(); }
-    void SetUp() override { ASSERT_EQ(t_attach("test", 0, 0), 0); }
+    // The layer as a program has it: started, the test's thread is "main".
+    // No writer (-1): the lines are only observed.
+    static void SetUpTestSuite() { ASSERT_EQ(os_start(-1), 0); }
     // Whether another thread finds the interrupt lock free.
     static bool freeForOthers() {
         int result = -1;
