@@ -165,14 +165,6 @@ TEST_F(SysCapsTest, ATypeWithoutTablesStopsTheProcess) {
     }
 }
 
-// A bad category selects the set all the same (the first-access program shows it for a read).
-TEST_F(SysCapsTest, ASetWithABadCategorySelects) {
-    SysTypeSet(22);
-    EXPECT_EQ(SysCapsSet(UINT32_MAX, "HwFamily", 0, 9), -1);
-    SysTypeSet(18);
-    EXPECT_EQ(Get(SYS_CAPS_VIDEO, "MainDspType"), 2); // elm's value, from the set of 22
-}
-
 // ---- The board step ----
 
 TEST_F(SysCapsTest, BoardStepPerBoardWordAndFamily) {
@@ -186,16 +178,13 @@ TEST_F(SysCapsTest, BoardStepPerBoardWordAndFamily) {
        HdamDspType, HdamDspPciBus 2, HdamDspPciDev 0 */
     const Case cases[] = {
         {nullptr,         18,  0,  0,  0,  1,  0,  0,  0},
-        {"bogus",         14,  0,  0,  0,  1,  0,  0,  0},
         {"dm642",         14,  2,  13, 5,  2,  1,  9,  0},
         {"DM642",         16,  2,  9,  5,  2,  1,  9,  0},
         {"DM642",         18,  2,  6,  5,  1,  1,  8,  0},
-        {"DM642",         22,  2,  6,  5,  1,  1,  8,  0},
         {"MOSS_DM642",    14,  3,  9,  3,  3,  1,  8,  1},
         {"moss_davinci",  20,  4,  9,  3,  3,  2,  8,  1},
         {"DAVINCI_QTY3",  16,  5,  6,  3,  1,  2,  8,  1},
         {"DAVINCI_QTY1",  21,  6,  6,  1,  1,  2,  0,  18},
-        {"DAVINCI_QTY1",  14,  6,  6,  1,  1,  2,  0,  18},
     };
     // clang-format on
     for (const Case &c : cases) {

@@ -6,25 +6,17 @@
 #include <optional>
 #include <string>
 
-class ScopedEnv {
-  public:
-    // A null value unsets the variable.
-    ScopedEnv(const char *name, const char *value) : name_(name) {
-        if (const char *old = std::getenv(name)) {
-            old_ = old;
-        }
+struct ScopedEnv {
+    std::string name;
+    std::optional<std::string> old;
+    ScopedEnv(const char *n, const char *value) : name(n) {
+        if (const char *was = std::getenv(n))
+            old = was;
         Set(value);
     }
-    ~ScopedEnv() { Set(old_ ? old_->c_str() : nullptr); }
-    ScopedEnv(const ScopedEnv &)            = delete;
-    ScopedEnv &operator=(const ScopedEnv &) = delete;
-    void Set(const char *value) {
-        value ? setenv(name_.c_str(), value, 1) : unsetenv(name_.c_str());
-    }
-
-  private:
-    std::string name_;
-    std::optional<std::string> old_;
+    ~ScopedEnv() { Set(old ? old->c_str() : nullptr); }
+    // A null value unsets the variable.
+    void Set(const char *value) { value ? setenv(name.c_str(), value, 1) : unsetenv(name.c_str()); }
 };
 
 #endif

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <set>
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -74,32 +75,26 @@ TEST(SysTypeLookup, BoardVariableIsReadAtEachCall) {
 
 // The full words in table order, cut to the buffer; a refusal leaves every byte alone.
 TEST(SysTypeNameUpper, NumbersFullWordsAndCutsToTheBuffer) {
-    auto check = [](int32_t index, uint32_t size, const char *expected) {
+    /* Index, buffer size, the text written (nullptr: refused) */
+    const std::tuple<int32_t, uint32_t, const char *> cases[] = {
+        {0, 16, "LARCH"}, {1, 16, "ALDER"},   {2, 16, "ROWAN"},       {3, 16, "ROWAN_INT"},
+        {4, 16, "HAZEL"}, {5, 16, "ASPEN"},   {6, 16, "ELM"},         {0, 4, "LAR"},
+        {3, 1, ""},       {6, 4, "ELM"},      {7, 16, nullptr},       {-1, 16, nullptr},
+        {0, 0, nullptr},  {INT32_MIN, 16, nullptr},
+    };
+    for (const auto &[index, size, expected] : cases) {
         SCOPED_TRACE(testing::Message() << index << " in " << size);
         char buffer[17];
         std::memset(buffer, 'x', sizeof buffer);
-        const int32_t result = SysTypeNameUpper(index, buffer, size);
+        EXPECT_EQ(SysTypeNameUpper(index, buffer, size), expected ? 0 : -1);
         if (expected == nullptr) {
-            EXPECT_EQ(result, -1);
             EXPECT_EQ(std::string(buffer, sizeof buffer), std::string(17, 'x'));
         } else {
-            EXPECT_EQ(result, 0);
             EXPECT_STREQ(buffer, expected);
             EXPECT_EQ(buffer[size], 'x'); // nothing written past the size
+            EXPECT_TRUE(size < 16 || SysTypeFromName(expected) != 0);
         }
-    };
-    const char *words[] = {"LARCH", "ALDER", "ROWAN", "ROWAN_INT", "HAZEL", "ASPEN", "ELM"};
-    for (int32_t i = 0; i < 7; ++i) {
-        check(i, 16, words[i]);
-        EXPECT_NE(SysTypeFromName(words[i]), 0);
     }
-    check(0, 4, "LAR");
-    check(3, 1, "");    // room for the terminating zero only
-    check(6, 4, "ELM"); // exactly the word and its zero
-    for (int32_t index : {7, -1, INT32_MIN, INT32_MAX}) {
-        check(index, 16, nullptr);
-    }
-    check(0, 0, nullptr);
     EXPECT_EQ(SysTypeNameUpper(0, nullptr, 16), -1);
 }
 

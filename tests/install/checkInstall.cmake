@@ -1,5 +1,6 @@
 # Script of the installation test: install, look for every file, build and
-# run a consumer through the CMake package and through pkg-config.
+# run the C test program tests/c_abi/c_abi.c through the CMake package and
+# through pkg-config.
 file(REMOVE_RECURSE ${WORK_DIR})
 set(prefix ${WORK_DIR}/prefix)
 
@@ -54,5 +55,5 @@ if(NOT rc EQUAL 0)
   message(FATAL_ERROR "pkg-config does not know scalerctl-support")
 endif()
 separate_arguments(flags UNIX_COMMAND "${flags}")
-run(${C_COMPILER} ${CONSUMER_DIR}/consumer.c -o ${WORK_DIR}/consumer-pc ${flags})
+run(${C_COMPILER} ${CONSUMER_DIR}/../../c_abi/c_abi.c -o ${WORK_DIR}/consumer-pc ${flags})
 run(${WORK_DIR}/consumer-pc)

@@ -3,11 +3,10 @@
 #include "tests/pwsimd/simProcess.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <poll.h>
-#include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -24,20 +23,27 @@ namespace {
 // against a hang, not a measure of speed (the emulated build is slow).
 constexpr int hangGuardMs = 60000;
 
-constexpr const char *pipeNames[] = {"PWRdCmd", "PWWtCmd", "PWRdDiag", "PWWtDiag"};
-
-// Forks and executes the command line `argv`: standard output to a fresh
-// pipe and, with `captureErr`, standard error to another; their read ends
-// come back in `outFd` and `errFd` (else -1). -1 when no child could be
-// started.
-pid_t spawn(const std::vector<std::string> &argv, bool captureErr, int &outFd, int &errFd) {
+// Forks and executes `program` with `args` behind the words of `emulator`:
+// standard output to a fresh pipe and, with `captureErr`, standard error to
+// another; their read ends come back in `outFd` and `errFd` (else -1). -1
+// when no child could be started.
+pid_t spawn(std::string_view emulator, const std::string &program,
+            const std::vector<std::string> &args, bool captureErr, int &outFd, int &errFd) {
+    std::vector<std::string> argv;
+    for (std::size_t end; !emulator.empty(); emulator.remove_prefix(end)) {
+        end = std::min(emulator.find(';'), emulator.size());
+        if (end > 0)
+            argv.emplace_back(emulator.substr(0, end));
+        end += end < emulator.size();
+    }
+    argv.push_back(program);
+    argv.insert(argv.end(), args.begin(), args.end());
     std::vector<char *> cargs;
-    for (const std::string &word : argv)
-        cargs.push_back(const_cast<char *>(word.c_str()));
+    for (std::string &word : argv)
+        cargs.push_back(word.data());
     cargs.push_back(nullptr);
-    int out[2] = {-1, -1};
-    int err[2] = {-1, -1};
-    pid_t pid  = -1;
+    int out[2] = {-1, -1}, err[2] = {-1, -1};
+    pid_t pid = -1;
     if (pipe2(out, O_CLOEXEC) == 0 && (!captureErr || pipe2(err, O_CLOEXEC) == 0))
         pid = fork();
     if (pid == 0) {
@@ -55,35 +61,6 @@ pid_t spawn(const std::vector<std::string> &argv, bool captureErr, int &outFd, i
     return pid;
 }
 
-void closeFd(int &fd) {
-    if (fd >= 0)
-        close(fd);
-    fd = -1;
-}
-
-// Reads `fd` into `pending` until it holds a whole line, and moves that line
-// without its newline into `line`: 1, 0 at end-of-file, -1 when the guard ran
-// out or the read failed.
-int takeLine(int fd, std::string &pending, std::string &line) {
-    std::size_t newline;
-    while ((newline = pending.find('\n')) == std::string::npos) {
-        pollfd p{fd, POLLIN, 0};
-        int ready = poll(&p, 1, hangGuardMs);
-        if (ready < 0 && errno == EINTR)
-            continue;
-        char buf[512];
-        ssize_t n = ready > 0 ? read(fd, buf, sizeof buf) : -1;
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return n == 0 ? 0 : -1;
-        pending.append(buf, static_cast<std::size_t>(n));
-    }
-    line = pending.substr(0, newline);
-    pending.erase(0, newline + 1);
-    return 1;
-}
-
 int waitFor(pid_t pid) {
     int status = 0;
     while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
@@ -91,73 +68,38 @@ int waitFor(pid_t pid) {
     return status;
 }
 
-std::string describe(int status) {
-    if (WIFEXITED(status))
-        return "exit status " + std::to_string(WEXITSTATUS(status));
-    if (WIFSIGNALED(status))
-        return "signal " + std::to_string(WTERMSIG(status));
-    return "status " + std::to_string(status);
-}
-
-// Reads standard output (and the captured standard error) until both end.
-// False if the guard ran out first.
-bool drainToEnd(int outFd, int errFd, std::string &out, std::string &err) {
-    pollfd fds[2] = {{outFd, POLLIN, 0}, {errFd, POLLIN, 0}};
-    while (fds[0].fd >= 0 || fds[1].fd >= 0) {
-        int ready = poll(fds, 2, hangGuardMs);
+// Reads the descriptors in `fds` (-1: none) into `texts` until each has
+// ended or, with `untilLine`, the first holds a whole line. False if the
+// guard ran out or a read failed first.
+bool readUntil(int (&fds)[2], std::string *(&&texts)[2], bool untilLine) {
+    pollfd p[2] = {{fds[0], POLLIN, 0}, {fds[1], POLLIN, 0}};
+    while (p[0].fd >= 0 || p[1].fd >= 0) {
+        if (untilLine && texts[0]->find('\n') != std::string::npos)
+            return true;
+        int ready = poll(p, 2, hangGuardMs);
         if (ready < 0 && errno == EINTR)
             continue;
         if (ready <= 0)
             return false;
         for (int i = 0; i < 2; ++i) {
-            if (fds[i].fd < 0 || fds[i].revents == 0)
-                continue;
-            std::string &into = i == 0 ? out : err;
             char buf[512];
-            ssize_t n = read(fds[i].fd, buf, sizeof buf);
+            ssize_t n = p[i].fd >= 0 && p[i].revents != 0 ? read(p[i].fd, buf, sizeof buf) : -2;
             if (n > 0)
-                into.append(buf, static_cast<std::size_t>(n));
-            else if (n == 0 || errno != EINTR)
-                fds[i].fd = -1; // ignored by poll from now on
+                texts[i]->append(buf, static_cast<std::size_t>(n));
+            else if (n == 0 || (n == -1 && errno != EINTR))
+                p[i].fd = -1; // ignored by poll from now on
         }
     }
-    return true;
+    return !untilLine;
 }
 
-// The twelve pipe paths of a folder.
-std::vector<std::string> allPipePaths(const std::string &dir) {
-    std::vector<std::string> paths;
-    for (const char *name : pipeNames)
-        for (int chip = 0; chip < 3; ++chip)
-            paths.push_back(SimPipePath(dir, name, chip));
-    return paths;
-}
-
-void removeFolder(SimProcess &sim) {
-    if (!sim.OwnsDir)
-        return;
-    for (const std::string &path : allPipePaths(sim.Dir))
-        unlink(path.c_str());
-    rmdir(sim.Dir.c_str());
-    sim.OwnsDir = false;
+void closeFd(int &fd) {
+    if (fd >= 0)
+        close(fd);
+    fd = -1;
 }
 
 } // namespace
-
-std::vector<std::string> EmulatedCommandLine(std::string_view emulator, const std::string &program,
-                                             const std::vector<std::string> &args) {
-    std::vector<std::string> argv;
-    while (!emulator.empty()) {
-        std::size_t end       = emulator.find(';');
-        std::string_view word = emulator.substr(0, end);
-        if (!word.empty())
-            argv.emplace_back(word);
-        emulator.remove_prefix(end == std::string_view::npos ? emulator.size() : end + 1);
-    }
-    argv.push_back(program);
-    argv.insert(argv.end(), args.begin(), args.end());
-    return argv;
-}
 
 SimProcess::~SimProcess() {
     if (Pid > 0) {
@@ -166,7 +108,9 @@ SimProcess::~SimProcess() {
     }
     closeFd(StdoutFd);
     closeFd(StderrFd);
-    removeFolder(*this);
+    std::error_code ignored;
+    if (OwnsDir)
+        std::filesystem::remove_all(Dir, ignored);
 }
 
 std::string SimMakeTempDir() {
@@ -180,47 +124,21 @@ std::string SimPipePath(const std::string &dir, const char *name, int chip) {
 
 ::testing::AssertionResult SimStart(SimProcess &sim, const std::vector<std::string> &args,
                                     const std::string &dir, bool captureStderr) {
-    if (sim.Pid > 0)
-        return ::testing::AssertionFailure() << "pwsimd already started";
-    sim.Dir = dir;
-    if (sim.Dir.empty()) {
-        sim.Dir = SimMakeTempDir();
-        if (sim.Dir.empty())
-            return ::testing::AssertionFailure() << "mkdtemp: " << std::strerror(errno);
-        sim.OwnsDir = true;
-    }
+    sim.Dir     = dir.empty() ? SimMakeTempDir() : dir;
+    sim.OwnsDir = dir.empty() && !sim.Dir.empty();
+    if (sim.Dir.empty())
+        return ::testing::AssertionFailure() << "mkdtemp: " << std::strerror(errno);
     std::vector<std::string> all = args;
     all.insert(all.end(), {"--dir", sim.Dir});
-    sim.Pid = spawn(EmulatedCommandLine(PWSIMD_EMULATOR, PWSIMD_PATH, all), captureStderr,
-                    sim.StdoutFd, sim.StderrFd);
+    sim.Pid = spawn(PWSIMD_EMULATOR, PWSIMD_PATH, all, captureStderr, sim.StdoutFd, sim.StderrFd);
     if (sim.Pid < 0)
         return ::testing::AssertionFailure() << "cannot start pwsimd: " << std::strerror(errno);
-
-    std::string text, line;
-    int got = takeLine(sim.StdoutFd, text, line);
-    if (got == 0) {
-        int status = waitFor(sim.Pid);
-        sim.Pid    = -1;
-        return ::testing::AssertionFailure() << "pwsimd ended before its ready line ("
-                                             << describe(status) << "), output: " << text;
-    }
-    if (got < 0)
-        return ::testing::AssertionFailure() << "no ready line from pwsimd";
-    std::string expected = "pwsimd: ready in " + sim.Dir;
-    if (line != expected)
+    std::string out, ignored;
+    int fds[2]              = {sim.StdoutFd, -1};
+    const std::string ready = "pwsimd: ready in " + sim.Dir + "\n";
+    if (!readUntil(fds, {&out, &ignored}, true) || out != ready)
         return ::testing::AssertionFailure()
-               << "ready line '" << line << "', expected '" << expected << "'";
-    return ::testing::AssertionSuccess();
-}
-
-::testing::AssertionResult SimReadLine(SimProcess &sim, std::string &line) {
-    if (sim.StderrFd < 0)
-        return ::testing::AssertionFailure() << "standard error was not captured";
-    int got = takeLine(sim.StderrFd, sim.ErrPending, line);
-    if (got <= 0)
-        return ::testing::AssertionFailure()
-               << (got == 0 ? "standard error ended" : "no line on standard error")
-               << "; pending: '" << sim.ErrPending << "'";
+               << "ready line '" << out << "', expected '" << ready << "'";
     return ::testing::AssertionSuccess();
 }
 
@@ -228,59 +146,46 @@ std::string SimPipePath(const std::string &dir, const char *name, int chip) {
     if (sim.Pid <= 0)
         return ::testing::AssertionFailure() << "pwsimd is not running";
     kill(sim.Pid, signal);
-    std::string out, err;
-    bool ended = drainToEnd(sim.StdoutFd, sim.StderrFd, out, err);
+    std::string out;
+    int fds[2]       = {sim.StdoutFd, sim.StderrFd};
+    const bool ended = readUntil(fds, {&out, &sim.Err}, false);
     if (!ended)
         kill(sim.Pid, SIGKILL);
-    int status = waitFor(sim.Pid);
-    sim.Pid    = -1;
-    sim.ErrPending += err;
+    const int status = waitFor(sim.Pid);
+    sim.Pid          = -1;
     closeFd(sim.StdoutFd);
     closeFd(sim.StderrFd);
-    if (!ended)
-        return ::testing::AssertionFailure() << "pwsimd did not end on signal " << signal;
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        return ::testing::AssertionFailure() << "pwsimd ended with " << describe(status);
+    if (signal == SIGKILL)
+        return ::testing::AssertionResult(WIFSIGNALED(status));
+    if (!ended || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        return ::testing::AssertionFailure() << "pwsimd did not end with 0 on signal " << signal;
     std::string left;
-    for (const std::string &path : allPipePaths(sim.Dir))
-        if (access(path.c_str(), F_OK) == 0)
-            left += " " + path;
+    for (const char *name : {"PWRdCmd", "PWWtCmd", "PWRdDiag", "PWWtDiag"})
+        for (int chip = 0; chip < 3; ++chip)
+            if (access(SimPipePath(sim.Dir, name, chip).c_str(), F_OK) == 0)
+                left += " " + SimPipePath(sim.Dir, name, chip);
     if (!left.empty())
         return ::testing::AssertionFailure() << "pipes left behind:" << left;
     if (sim.OwnsDir && rmdir(sim.Dir.c_str()) != 0)
-        return ::testing::AssertionFailure()
-               << "cannot remove " << sim.Dir << ": " << std::strerror(errno);
+        return ::testing::AssertionFailure() << "cannot remove " << sim.Dir;
     sim.OwnsDir = false;
-    return ::testing::AssertionSuccess();
-}
-
-::testing::AssertionResult SimKill(SimProcess &sim) {
-    if (sim.Pid <= 0)
-        return ::testing::AssertionFailure() << "pwsimd is not running";
-    kill(sim.Pid, SIGKILL);
-    int status = waitFor(sim.Pid);
-    sim.Pid    = -1;
-    closeFd(sim.StdoutFd);
-    closeFd(sim.StderrFd);
-    if (!WIFSIGNALED(status))
-        return ::testing::AssertionFailure() << "pwsimd ended with " << describe(status);
     return ::testing::AssertionSuccess();
 }
 
 ProgramRun RunProgram(std::string_view emulator, const std::string &program,
                       const std::vector<std::string> &args) {
     ProgramRun result;
-    int outFd = -1, errFd = -1;
-    pid_t pid = spawn(EmulatedCommandLine(emulator, program, args), true, outFd, errFd);
+    int fds[2] = {-1, -1};
+    pid_t pid  = spawn(emulator, program, args, true, fds[0], fds[1]);
     if (pid < 0)
         return result;
-    if (!drainToEnd(outFd, errFd, result.Out, result.Err))
+    if (!readUntil(fds, {&result.Out, &result.Err}, false))
         kill(pid, SIGKILL);
-    int status = waitFor(pid);
+    const int status = waitFor(pid);
     if (WIFEXITED(status))
         result.ExitStatus = WEXITSTATUS(status);
-    closeFd(outFd);
-    closeFd(errFd);
+    closeFd(fds[0]);
+    closeFd(fds[1]);
     return result;
 }
 

@@ -1,5 +1,5 @@
-// Starting pwsimd, and other programs, from tests: in a fresh temporary folder or a given one,
-// waiting for its ready line, reading its trace, stopping it and checking
+// Starting pwsimd, and other programs, from tests: in a fresh temporary
+// folder or a given one, waiting for its ready line, stopping it and checking
 // that it removed its pipes. Under a cross build the program is started
 // through the emulator that CMake knows.
 #ifndef TESTS_PWSIMD_SIMPROCESS_H
@@ -21,18 +21,13 @@ struct SimProcess {
     int StderrFd = -1; // -1 unless standard error was captured
     std::string Dir;
     bool OwnsDir = false;
-    std::string ErrPending; // standard error read but not yet handed out
+    std::string Err; // the captured standard error, once stopped
 
     SimProcess()                              = default;
     SimProcess(const SimProcess &)            = delete;
     SimProcess &operator=(const SimProcess &) = delete;
     ~SimProcess();
 };
-
-// `program` with `args`, behind the words of `emulator` (a ';'-separated
-// list, empty for a native build).
-std::vector<std::string> EmulatedCommandLine(std::string_view emulator, const std::string &program,
-                                             const std::vector<std::string> &args);
 
 // A fresh folder "/tmp/pws.XXXXXX", short enough for the link; "" on failure.
 std::string SimMakeTempDir();
@@ -41,21 +36,17 @@ std::string SimMakeTempDir();
 std::string SimPipePath(const std::string &dir, const char *name, int chip);
 
 // Starts pwsimd with `args` and "--dir": `dir`, or a fresh folder when it is
-// empty. With `captureStderr` standard error (the trace) goes to
-// SimReadLine, else to the test's own. Succeeds when the ready line
-// "pwsimd: ready in DIR" has come.
+// empty. With `captureStderr` standard error (the trace) is kept for
+// SimProcess::Err, else it goes to the test's own. Succeeds when the ready
+// line "pwsimd: ready in DIR" has come.
 ::testing::AssertionResult SimStart(SimProcess &sim, const std::vector<std::string> &args,
                                     const std::string &dir = "", bool captureStderr = false);
 
-// The next line of the captured standard error, without its newline.
-::testing::AssertionResult SimReadLine(SimProcess &sim, std::string &line);
-
-// Sends `signal`, waits for the end, and succeeds if the exit status is 0
-// and the twelve pipes are gone. Removes the folder if the helper made it.
+// Sends `signal` and waits for the end. With SIGKILL it succeeds when the
+// signal ended it, and the pipes stay behind, as after a crash; with any
+// other, when the exit status is 0 and the twelve pipes are gone (the
+// folder too, if the helper made it).
 ::testing::AssertionResult SimStop(SimProcess &sim, int signal = SIGTERM);
-
-// Kills with SIGKILL and waits: the pipes stay behind, as after a crash.
-::testing::AssertionResult SimKill(SimProcess &sim);
 
 // One program run to its end: its exit status and all it printed.
 struct ProgramRun {
@@ -64,12 +55,13 @@ struct ProgramRun {
     std::string Err;
 };
 
-// Runs `program` with `args` behind the words of `emulator` to its end; a
-// guard against a hang kills it after a minute without output.
+// Runs `program` with `args` behind the words of `emulator` (a ';'-separated
+// list, empty for a native build) to its end; a guard against a hang kills
+// it after a minute without output.
 ProgramRun RunProgram(std::string_view emulator, const std::string &program,
                       const std::vector<std::string> &args);
 
-// One run of pwsimd to its end, for refusals and --help.
+// One run of pwsimd to its end.
 ProgramRun SimRun(const std::vector<std::string> &args);
 
 #endif

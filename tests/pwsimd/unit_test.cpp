@@ -71,15 +71,6 @@ TEST(PwsimdTiming, ReadsSizeAndRateWithTotals) {
     }
 }
 
-TEST(PwsimdTiming, RefusesMalformedText) {
-    for (const char *text :
-         {"", "1280x720", "x720@60", "1280x720@60.", "1280x720@60.123", "1280x720@0", "0x720@60",
-          "8193x720@60", "1280x720@60hz", "+1280x720@60", "1280x720@655.36"}) {
-        PWTimingInfo t{};
-        EXPECT_FALSE(SimParseTiming(text, t)) << "'" << text << "'";
-    }
-}
-
 // Options point into argv: the words stay until the next parse.
 bool parse(std::vector<std::string> args, SimOptions &options, std::string &error) {
     static std::vector<std::string> kept;
@@ -124,6 +115,41 @@ TEST(PwsimdOptions, DefaultsAndValues) {
     EXPECT_EQ(o.Device.Output.ActiveWidth, 1280);
 }
 
+// A command line the parser refuses, and part of its message; a malformed
+// timing text is refused by the same check wherever it stands.
+TEST(PwsimdOptions, RefusesBadCommandLinesWithAMessage) {
+    // clang-format off
+    const std::pair<std::vector<std::string>, const char *> refusals[] = {
+        {{"--firmware", "x"},           "bad --firmware 'x'"},
+        {{"--firmware", "65536"},       "bad --firmware '65536'"},
+        {{"--fault", "late"},           "needs late=N"},
+        {{"--fault", "status0=x@1"},    "needs status0=N"},
+        {{"--fault", "crc=1"},          "crc takes no value"},
+        {{"--fault", "never@3"},        "chip must be 0, 1 or 2"},
+        {{"--fault", "late=10@1@2"},    "chip must be 0, 1 or 2"},
+        {{"--frobnicate"},              "unknown option '--frobnicate'"},
+        {{"--trace", "-zt"},            "unknown option '-z'"},
+        {{"--trace=1"},                 "option '--trace' takes no value"},
+        {{"--dir"},                     "option '--dir' needs a value"},
+        {{"-td"},                       "option '-d' needs a value"},
+        {{"stray"},                     "unexpected argument 'stray'"},
+    };
+    // clang-format on
+    SimOptions o{};
+    std::string error;
+    for (const auto &[args, message] : refusals) {
+        EXPECT_FALSE(parse(args, o, error)) << message;
+        EXPECT_NE(error.find(message), std::string::npos) << error;
+    }
+    for (const char *text :
+         {"", "1280x720", "x720@60", "1280x720@60.", "1280x720@60.123", "1280x720@0", "0x720@60",
+          "8193x720@60", "1280x720@60hz", "+1280x720@60", "1280x720@655.36"}) {
+        EXPECT_FALSE(parse({"--output", text}, o, error)) << "'" << text << "'";
+        EXPECT_EQ(error.rfind(std::string("bad --output '") + text + "':", 0), 0u) << error;
+        EXPECT_FALSE(parse({"--input", text}, o, error)) << "'" << text << "'";
+    }
+}
+
 // What a client sees of each fault is tested end to end; these are the
 // properties it can't see.
 TEST(PwsimdFaults, GarbageHoldsNoSyncAndSplitCutsAWholePacket) {
@@ -143,31 +169,6 @@ TEST(PwsimdFaults, GarbageHoldsNoSyncAndSplitCutsAWholePacket) {
     EXPECT_GT(out.FirstPiece, 0u);
     EXPECT_EQ(PWPacketScan(out.Bytes, out.FirstPiece, PW_INTERFACE_CMD), PWScan::incomplete);
     EXPECT_EQ(Bytes(out.Bytes, out.Bytes + out.Size), clean);
-}
-
-TEST(PwsimdFaults, Status0CountsDownOnQueryOutputRepliesOnly) {
-    SimFaults faults{simFaultStatus0, 0, 2, {}};
-    const Words timing = {pwStatusValid, 6000, 1650, 750, 1280, 720, 0, 0, 0};
-    // clang-format off
-    // A reply in turn, and the status word it goes out with
-    const std::pair<uint8_t, uint16_t> replies[] = {
-        {pwOpQueryOutput, pwStatusNone},
-        {pwOpQueryInput,  pwStatusValid},
-        {pwOpQueryOutput, pwStatusNone},
-        {pwOpQueryOutput, pwStatusValid},
-    };
-    // clang-format on
-    for (auto [opcode, status] : replies) {
-        PWMsg reply = message(opcode, timing);
-        SimReply out;
-        SimFaultShape(faults, PW_INTERFACE_CMD, reply, out);
-        PWMsg sent{};
-        ASSERT_EQ(PWPacketScan(out.Bytes, out.Size, PW_INTERFACE_CMD), PWScan::good);
-        PWPacketDecode(out.Bytes, sent);
-        Words expected = timing;
-        expected[0]    = status;
-        EXPECT_EQ(words(sent), expected) << "opcode " << int{opcode};
-    }
 }
 
 // Feeds `bytes` into a stream in pieces of `piece` bytes and collects what
@@ -239,20 +240,6 @@ TEST(PwsimdStream, AnUnfinishedPacketDoesNotSwallowTheNextRequest) {
     ASSERT_EQ(t.Requests.size(), 1u);
     EXPECT_EQ(t.Requests[0].Opcode, pwOpReset);
     EXPECT_EQ(t.Skipped, std::vector<std::size_t>{4});
-}
-
-TEST(PwsimdStream, LongestPacketsFitTheBuffer) {
-    PWMsg big{};
-    big.Opcode = 0x77;
-    big.Length = 252;
-    Bytes stream;
-    for (int i = 0; i < 4; ++i) {
-        Bytes b = packet(big, PW_INTERFACE_CMD);
-        stream.insert(stream.end(), b.begin(), b.end());
-    }
-    Taken t = feed(stream, 200);
-    EXPECT_EQ(t.Requests.size(), 4u);
-    EXPECT_TRUE(t.Skipped.empty());
 }
 
 TEST(PwsimdDevice, RefusesUnknownOpcodesAndWrongLengths) {
