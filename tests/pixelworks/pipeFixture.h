@@ -17,8 +17,6 @@ struct PipeFolder {
     explicit PipeFolder(std::size_t length = 0); // pad the path to `length` characters
     ~PipeFolder();
     std::string pipe(const char *name, int chip) const;
-    PipeFolder(const PipeFolder &)            = delete;
-    PipeFolder &operator=(const PipeFolder &) = delete;
 };
 
 // The daemon's side of one chip's interface: the client's read pipe open
@@ -38,8 +36,6 @@ struct DaemonEnds {
     void awaitDrained() const;
     // All bytes the client has written so far (non-blocking).
     std::vector<uint8_t> received() const;
-    DaemonEnds(const DaemonEnds &)            = delete;
-    DaemonEnds &operator=(const DaemonEnds &) = delete;
 };
 
 struct Report {

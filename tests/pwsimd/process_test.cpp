@@ -13,19 +13,23 @@
 
 namespace {
 
-// What only the program checks: the folder. A refusal goes to standard error
-// with status 1; the option refusals are tested in process.
+// What only the program checks: the folder, and what stands in it. A refusal
+// goes to standard error with status 1 and creates nothing; the option
+// refusals are tested in process.
 TEST(PwsimdProcess, RefusesABadFolderAndTakesOneOf49Characters) {
     const std::string base = SimMakeTempDir();
     ASSERT_FALSE(base.empty());
     const std::string dir49 = base + "/" + std::string(49 - base.size() - 1, 'd');
     ASSERT_EQ(mkdir(dir49.c_str(), 0700), 0);
+    const std::string file = SimPipePath(base, "PWRdDiag", 2);
+    ASSERT_EQ(close(open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600)), 0);
     // clang-format off
     // A command line pwsimd refuses, and part of its message
     const std::pair<std::vector<std::string>, std::string> refusals[] = {
         {{"--fault", "slow"},             "unknown fault 'slow'"},
         {{"--dir", "/nonexistent/pws"},   "no folder /nonexistent/pws"},
         {{"--dir", dir49 + "x"},          "is too long: 50 characters, at most 49"},
+        {{"--dir", base},                 file + " exists and is not a pipe"},
     };
     // clang-format on
     for (const auto &[args, message] : refusals) {
@@ -39,6 +43,8 @@ TEST(PwsimdProcess, RefusesABadFolderAndTakesOneOf49Characters) {
         ASSERT_TRUE(SimStart(sim, {}, dir49));
         EXPECT_TRUE(SimStop(sim));
     }
+    EXPECT_NE(access(SimPipePath(base, "PWWtCmd", 0).c_str(), F_OK), 0);
+    EXPECT_EQ(unlink(file.c_str()), 0);
     EXPECT_EQ(rmdir(dir49.c_str()), 0);
     EXPECT_EQ(rmdir(base.c_str()), 0);
 }
@@ -60,51 +66,27 @@ bool hasReader(const std::string &path) {
     return true;
 }
 
-TEST(PwsimdProcess, ASecondDaemonOnTheSamePipesIsRefusedAndTouchesNothing) {
-    SimProcess first;
-    ASSERT_TRUE(SimStart(first, {}));
-    ProgramRun second = SimRun({"--dir", first.Dir});
-    EXPECT_EQ(second.ExitStatus, 1);
-    EXPECT_NE(second.Err.find("a running daemon holds the pipes in " + first.Dir),
-              std::string::npos)
-        << second.Err;
-    // The first daemon still holds every request pipe for reading.
-    for (const char *name : {"PWWtCmd", "PWWtDiag"})
-        for (int chip = 0; chip < 3; ++chip)
-            EXPECT_TRUE(hasReader(SimPipePath(first.Dir, name, chip))) << name << chip;
-    EXPECT_TRUE(SimStop(first));
-}
-
-TEST(PwsimdProcess, ReplacesStalePipesAfterACrash) {
+// A killed daemon leaves its pipes; the next one takes them over, and a
+// daemon started beside a running one is refused and touches nothing.
+TEST(PwsimdProcess, ReplacesStalePipesAndRefusesASecondDaemon) {
     SimProcess crashed;
     ASSERT_TRUE(SimStart(crashed, {}));
     ASSERT_TRUE(SimStop(crashed, SIGKILL));
-    std::string request = SimPipePath(crashed.Dir, "PWWtCmd", 0);
-    struct stat st {};
-    ASSERT_EQ(stat(request.c_str(), &st), 0) << "a killed daemon leaves its pipes";
+    const std::string request = SimPipePath(crashed.Dir, "PWWtCmd", 0);
+    ASSERT_EQ(access(request.c_str(), F_OK), 0) << "a killed daemon leaves its pipes";
     EXPECT_FALSE(hasReader(request));
 
     SimProcess next;
     ASSERT_TRUE(SimStart(next, {}, crashed.Dir));
-    EXPECT_TRUE(hasReader(request));
+    ProgramRun second = SimRun({"--dir", next.Dir});
+    EXPECT_EQ(second.ExitStatus, 1);
+    EXPECT_NE(second.Err.find("a running daemon holds the pipes in " + next.Dir), std::string::npos)
+        << second.Err;
+    // The running daemon still holds every request pipe for reading.
+    for (const char *name : {"PWWtCmd", "PWWtDiag"})
+        for (int chip = 0; chip < 3; ++chip)
+            EXPECT_TRUE(hasReader(SimPipePath(next.Dir, name, chip))) << name << chip;
     EXPECT_TRUE(SimStop(next));
-}
-
-TEST(PwsimdProcess, RefusesAFileInThePlaceOfAPipe) {
-    std::string dir = SimMakeTempDir();
-    ASSERT_FALSE(dir.empty());
-    std::string file = SimPipePath(dir, "PWRdDiag", 2);
-    int fd           = open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-    ASSERT_GE(fd, 0);
-    close(fd);
-
-    ProgramRun run = SimRun({"--dir", dir});
-    EXPECT_EQ(run.ExitStatus, 1);
-    EXPECT_NE(run.Err.find(file + " exists and is not a pipe"), std::string::npos) << run.Err;
-    // Nothing was created, and the file is still there.
-    EXPECT_NE(access(SimPipePath(dir, "PWWtCmd", 0).c_str(), F_OK), 0);
-    EXPECT_EQ(unlink(file.c_str()), 0);
-    EXPECT_EQ(rmdir(dir.c_str()), 0);
 }
 
 TEST(PwsimdProcess, RemovesItsPipesOnEachStopSignal) {

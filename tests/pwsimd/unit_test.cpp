@@ -1,6 +1,6 @@
 // pwsimd's modules in process, for what a client of the link can't see or the
-// end-to-end tests don't reach: timings, options, fault bytes, the request
-// stream, refusals, and the device model (one timing per output mode, the
+// end-to-end tests don't reach: timings, option refusals, the request stream,
+// refused requests, and the device model (one timing per output mode, the
 // input status by cable and gains).
 #include "avc/main/vidFormat.h"
 #include "avc/main/vidTiming.h"
@@ -9,7 +9,6 @@
 #include "tools/pwsimd/simFaults.h"
 #include "tools/pwsimd/simOptions.h"
 #include "tools/pwsimd/simStream.h"
-#include "tools/pwsimd/simTrace.h"
 
 #include <gtest/gtest.h>
 
@@ -43,31 +42,22 @@ Words words(const PWMsg &msg) {
     return Words(msg.Payload, msg.Payload + msg.Length / 2);
 }
 
-struct TimingRow {
-    const char *Text;
-    uint16_t RefreshRate, TotalWidth, TotalHeight, ActiveWidth, ActiveHeight;
-};
-
-// clang-format off
-// Text, RefreshRate (1/100 Hz), TotalWidth, TotalHeight, ActiveWidth, ActiveHeight
-const TimingRow goodTimings[] = {
-    {"1280x720@60",      6000,  1650, 750,  1280, 720},
-    {"1920x1080@59.94",  5994,  2200, 1125, 1920, 1080},
-    {"1000x500@59.9",    5990,  1160, 530,  1000, 500},
-    {"8192x8192@655.35", 65535, 8352, 8222, 8192, 8192},
-};
-// clang-format on
-
 TEST(PwsimdTiming, ReadsSizeAndRateWithTotals) {
-    for (const TimingRow &row : goodTimings) {
+    // clang-format off
+    // Text; Status, RefreshRate (1/100 Hz), TotalWidth, TotalHeight, ActiveWidth, ActiveHeight
+    const std::pair<const char *, Words> rows[] = {
+        {"1920x1080@59.94",  {pwStatusValid, 5994,  2200, 1125, 1920, 1080}},
+        {"1000x500@59.9",    {pwStatusValid, 5990,  1160, 530,  1000, 500}},
+        {"8192x8192@655.35", {pwStatusValid, 65535, 8352, 8222, 8192, 8192}},
+    };
+    // clang-format on
+    for (const auto &[text, expected] : rows) {
         PWTimingInfo t{};
-        ASSERT_TRUE(SimParseTiming(row.Text, t)) << row.Text;
-        EXPECT_EQ(t.Status, pwStatusValid) << row.Text;
-        EXPECT_EQ(t.RefreshRate, row.RefreshRate) << row.Text;
-        EXPECT_EQ(t.TotalWidth, row.TotalWidth) << row.Text;
-        EXPECT_EQ(t.TotalHeight, row.TotalHeight) << row.Text;
-        EXPECT_EQ(t.ActiveWidth, row.ActiveWidth) << row.Text;
-        EXPECT_EQ(t.ActiveHeight, row.ActiveHeight) << row.Text;
+        ASSERT_TRUE(SimParseTiming(text, t)) << text;
+        EXPECT_EQ(Words({t.Status, t.RefreshRate, t.TotalWidth, t.TotalHeight, t.ActiveWidth,
+                         t.ActiveHeight}),
+                  expected)
+            << text;
     }
 }
 
@@ -84,35 +74,6 @@ bool parse(std::vector<std::string> args, SimOptions &options, std::string &erro
         SimParseOptions(static_cast<int>(argv.size() - 1), argv.data(), options, text, sizeof text);
     error = text;
     return ok;
-}
-
-TEST(PwsimdOptions, DefaultsAndValues) {
-    SimOptions o{};
-    std::string error;
-    ASSERT_TRUE(parse({"--output", "1920x1080@50"}, o, error)) << error;
-    EXPECT_STREQ(o.Dir, "/tmp");
-    EXPECT_EQ(o.Device.Input.ActiveWidth, 1920) << "the input follows the output by default";
-    EXPECT_FALSE(o.Trace);
-
-    ASSERT_TRUE(parse({"-f", "0x10", "--output", "1920x1080@50", "--input=720x576@50", "-t",
-                       "--fault", "late=300@1", "--fault", "split", "-d", "/var/x"},
-                      o, error))
-        << error;
-    EXPECT_EQ(o.Device.Firmware, 16);
-    EXPECT_EQ(o.Device.Output.ActiveWidth, 1920);
-    EXPECT_EQ(o.Device.Input.ActiveWidth, 720);
-    EXPECT_TRUE(o.Trace);
-    EXPECT_STREQ(o.Dir, "/var/x");
-    EXPECT_EQ(o.Faults[0].Mask, simFaultSplit);
-    EXPECT_EQ(o.Faults[1].Mask, simFaultSplit | simFaultLate);
-    EXPECT_EQ(o.Faults[1].LateMs, 300u);
-    EXPECT_EQ(o.Faults[2].Mask, simFaultSplit);
-
-    ASSERT_TRUE(parse({"--firmware", "010"}, o, error));
-    EXPECT_EQ(o.Device.Firmware, 8) << "a leading 0 is octal";
-    // A second parse starts from the defaults again.
-    EXPECT_EQ(o.Faults[1].Mask, 0u);
-    EXPECT_EQ(o.Device.Output.ActiveWidth, 1280);
 }
 
 // A command line the parser refuses, and part of its message; a malformed
@@ -148,27 +109,6 @@ TEST(PwsimdOptions, RefusesBadCommandLinesWithAMessage) {
         EXPECT_EQ(error.rfind(std::string("bad --output '") + text + "':", 0), 0u) << error;
         EXPECT_FALSE(parse({"--input", text}, o, error)) << "'" << text << "'";
     }
-}
-
-// What a client sees of each fault is tested end to end; these are the
-// properties it can't see.
-TEST(PwsimdFaults, GarbageHoldsNoSyncAndSplitCutsAWholePacket) {
-    const PWMsg reply = message(pwOpQueryVer, {0x0102});
-    const Bytes clean = packet(reply, PW_INTERFACE_CMD);
-    SimFaults faults{simFaultGarbage, 250, 0, {}};
-    PWMsg copy = reply;
-    SimReply out;
-    SimFaultShape(faults, PW_INTERFACE_CMD, copy, out);
-    EXPECT_EQ(out.Size, clean.size());
-    for (std::size_t i = 0; i < out.Size; ++i)
-        EXPECT_NE(out.Bytes[i], pwSync0) << "at " << i;
-
-    faults.Mask = simFaultSplit | simFaultLate;
-    SimFaultShape(faults, PW_INTERFACE_CMD, copy, out);
-    EXPECT_EQ(out.DelayMs, 250u);
-    EXPECT_GT(out.FirstPiece, 0u);
-    EXPECT_EQ(PWPacketScan(out.Bytes, out.FirstPiece, PW_INTERFACE_CMD), PWScan::incomplete);
-    EXPECT_EQ(Bytes(out.Bytes, out.Bytes + out.Size), clean);
 }
 
 // Feeds `bytes` into a stream in pieces of `piece` bytes and collects what
@@ -215,31 +155,25 @@ TEST(PwsimdStream, ResynchronisesOnGarbageAndBadPackets) {
     add(packet(gains, PW_INTERFACE_DIAG));                 // other interface: 20 bytes
     add({0xBE, 0xEF, 0x01, 0x02, 0x1B, 0x00, 0x01, 0x01}); // Size 0: 8 bytes
     add(packet(gains, PW_INTERFACE_CMD));
+    // A client died after the first four bytes of a request; the next one
+    // sends a whole request, whose bytes make the first look long.
+    const Bytes reset = packet(message(pwOpReset, {}), PW_INTERFACE_CMD);
+    add({reset.begin(), reset.begin() + 4});
+    add(reset);
 
     for (std::size_t piece : {std::size_t{1}, std::size_t{3}, std::size_t{7}, stream.size()}) {
         Taken t = feed(stream, piece);
-        ASSERT_EQ(t.Requests.size(), 2u) << "piece " << piece;
+        ASSERT_EQ(t.Requests.size(), 3u) << "piece " << piece;
         EXPECT_EQ(t.Requests[0].Opcode, pwOpSetCable);
         EXPECT_EQ(words(t.Requests[0]), words(cable));
         EXPECT_EQ(t.Requests[1].Opcode, pwOpSetGains);
         EXPECT_EQ(words(t.Requests[1]), words(gains));
+        EXPECT_EQ(t.Requests[2].Opcode, pwOpReset);
         std::size_t skipped = 0;
         for (std::size_t s : t.Skipped)
             skipped += s;
-        EXPECT_EQ(skipped, 3u + 10u + 20u + 8u) << "piece " << piece;
+        EXPECT_EQ(skipped, 3u + 10u + 20u + 8u + 4u) << "piece " << piece;
     }
-}
-
-TEST(PwsimdStream, AnUnfinishedPacketDoesNotSwallowTheNextRequest) {
-    // A client died after the first four bytes of a request; the next one
-    // sends a whole request, whose bytes make the first look long.
-    const Bytes whole = packet(message(pwOpReset, {}), PW_INTERFACE_CMD);
-    Bytes stream(whole.begin(), whole.begin() + 4);
-    stream.insert(stream.end(), whole.begin(), whole.end());
-    Taken t = feed(stream, stream.size());
-    ASSERT_EQ(t.Requests.size(), 1u);
-    EXPECT_EQ(t.Requests[0].Opcode, pwOpReset);
-    EXPECT_EQ(t.Skipped, std::vector<std::size_t>{4});
 }
 
 TEST(PwsimdDevice, RefusesUnknownOpcodesAndWrongLengths) {
@@ -252,20 +186,6 @@ TEST(PwsimdDevice, RefusesUnknownOpcodesAndWrongLengths) {
         EXPECT_FALSE(SimDeviceAnswer(device, request, reply))
             << "opcode " << int{request.Opcode} << ", length " << int{request.Length};
     EXPECT_EQ(device.Cable, -1) << "a refused set changes nothing";
-}
-
-// The exact lines are tested on the daemon's standard error; here, that
-// the longest possible line fits its buffer.
-TEST(PwsimdTrace, TheLongestLineFits) {
-    char line[simTraceLineSize];
-    PWMsg big{};
-    big.Opcode = 0xFF;
-    big.Length = 253;
-    std::size_t n =
-        SimTraceFormatMessage(line, sizeof line, true, 2, PW_INTERFACE_DIAG, big,
-                              "never+late+status0+split+crc+garbage+other-if+frozen+full");
-    EXPECT_EQ(n, std::string(line).size());
-    EXPECT_EQ(line[n - 1], '\n');
 }
 
 // ---- the device model ---------------------------------------------------
@@ -317,21 +237,6 @@ TEST(PwsimdModel, EachModeReportsTheTimingOfOneOfItsStrings) {
             << "PxwMode " << pxwMode << " reports " << out[wActiveW] << " x " << out[wActiveH]
             << " at " << out[wRate] << " (1/100 Hz), " << out[wTotalW] << " x " << out[wTotalH];
     }
-}
-
-TEST(PwsimdModel, AModeWithoutARowKeepsTheOutputAndAResetRestoresTheStart) {
-    SimDevice device  = freshDevice();
-    const Words start = ask(device, pwOpQueryOutput);
-    EXPECT_EQ(start[wActiveW], 100) << "the --output timing before any set output mode";
-    ask(device, pwOpSetMode, {0});
-    const Words mode0 = ask(device, pwOpQueryOutput);
-    EXPECT_EQ(mode0[wActiveW], 1280);
-    for (uint16_t unknown : {2, 4, 29, 30, 32, 44, 47, 0xFFFF}) {
-        ask(device, pwOpSetMode, {unknown});
-        EXPECT_EQ(ask(device, pwOpQueryOutput), mode0) << "PxwMode " << unknown;
-    }
-    ask(device, pwOpReset);
-    EXPECT_EQ(ask(device, pwOpQueryOutput), start);
 }
 
 struct Step {
