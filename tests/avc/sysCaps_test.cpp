@@ -1,5 +1,6 @@
 // Tests of the capability tables: invariants across every table set, selection at the first access,
-// the board step per board word and family, and the lookups' edge cases.
+// the board step per board word and family, and the lookups' edge cases. Each test starts from no
+// selection through the test seam.
 #include "avc/main/sysCaps.h"
 
 #include "avc/main/sysCapsData.h"
@@ -163,6 +164,18 @@ TEST_F(SysCapsTest, ATypeWithoutTablesStopsTheProcess) {
             << type;
         EXPECT_DEATH((void)SysCapsSet(7, "HwFamily", 0, 1), "initSysCapsTbl") << type;
     }
+}
+
+// The first access selects the set and reads the board once, even for a bad category; a later
+// type or board changes nothing.
+TEST_F(SysCapsTest, TheFirstAccessSelectsOnceWhateverFollows) {
+    ScopedEnv env(SYS_HDAM_ENV_NAME, "none");
+    SysTypeSet(22);
+    EXPECT_EQ(SysCapsSet(UINT32_MAX, "HwFamily", 0, 9), -1);
+    env.Set("DM642");
+    SysTypeSet(18);
+    EXPECT_EQ(Get(SYS_CAPS_VIDEO, "MainDspType"), 2);   // elm's value, from the set of 22
+    EXPECT_EQ(Get(SYS_CAPS_VIDEO, "HdamBoardType"), 1); // "none"
 }
 
 // ---- The board step ----

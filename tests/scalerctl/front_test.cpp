@@ -233,13 +233,4 @@ TEST(ScalerctlWordTables, EveryModeStringOfTheCatalogue) {
     EXPECT_EQ(found, supported.size()) << "a string of the copy is no mode name";
 }
 
-TEST(ScalerctlWordTables, CalibrationKeyOfEachPixelWorksCable) {
-    const char *const keys[] = {"VGAGains",    "SvideoGains", "SvideoGains", "SvideoGains",
-                                "SvideoGains", "VGAGains",    "CompGains"};
-    for (int32_t cable = 0; cable < 7; ++cable)
-        EXPECT_STREQ(jCalibKeyFor(cable), keys[cable]) << cable;
-    EXPECT_EQ(jCalibKeyFor(7), nullptr);
-    EXPECT_EQ(jCalibKeyFor(-1), nullptr);
-}
-
 } // namespace
