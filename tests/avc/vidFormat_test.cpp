@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <regex>
@@ -123,54 +124,44 @@ TEST(VidFormatTables, EveryModeNameAgreesWithItsRecord) {
 // Mode names in any case; anything else, a system name only included, leaves the outputs alone.
 TEST(VidFormatFromName, FindsWholeModeNamesInAnyCase) {
     // clang-format off
-    /* Name, FormatId, Rate (mHz) */
+    /* Name, FormatId, Rate (mHz); id -7 for a refused name */
     const std::tuple<const char *, int32_t, uint32_t> cases[] = {
-        {"nTsC",             1,   0},
-        {"480p30",           59,  29970},
-        {"1680X1050AT25",    30,  25000},
-        {"12x7at60-no-csc",  62,  0},
+        {"nTsC",          1,  0},     {"480p30", 59, 29970}, {"1680X1050AT25", 30, 25000},
+        {"12x7at60-no-csc", 62, 0},   {"",       -7, 77},    {"ntsc ",         -7, 77},
+        {" ntsc",         -7, 77},    {"nts",    -7, 77},    {"ntscx",         -7, 77},
+        {"720p",          -7, 77},    {"60HZ1280x720", -7, 77}, {"ntsc\n",    -7, 77},
+        {nullptr,         -7, 77},
     };
     // clang-format on
     for (const auto &[name, formatId, formatRate] : cases) {
         int32_t id    = -7;
         uint32_t rate = 77;
-        EXPECT_EQ(VidFormatFromName(name, &id, &rate), 0) << name;
-        EXPECT_EQ(std::pair(id, rate), std::pair(formatId, formatRate)) << name;
-    }
-    for (const char *name : {"", "ntsc ", " ntsc", "nts", "ntscx", "720p", "60HZ1280x720", "ntsc\n",
-                             static_cast<const char *>(nullptr)}) {
-        int32_t id    = -7;
-        uint32_t rate = 77;
-        EXPECT_EQ(VidFormatFromName(name, &id, &rate), -1) << (name ? name : "NULL");
-        EXPECT_EQ(std::pair(id, rate), std::pair(-7, 77u));
+        EXPECT_EQ(VidFormatFromName(name, &id, &rate), formatId == -7 ? -1 : 0) << name;
+        EXPECT_EQ(std::pair(id, rate), std::pair(formatId, formatRate)) << (name ? name : "NULL");
     }
 }
 
 // The first mode row at the format's own rate, not folded; an id without one leaves the buffer.
+// Nothing is written past the size.
 TEST(VidFormatToName, GivesFirstModeRowAtOwnRate) {
     // clang-format off
-    /* FormatId, Name (nullptr: -1, buffer untouched) */
-    const std::pair<int32_t, const char *> cases[] = {
-        {59,  "480p"},
-        {74,  "1080i60"},
-        {43,  "1280x720at60"},
-        {28,  nullptr}, // an alias with a rate
-        {62,  "12x7at60-no-csc"},
-        {0,   nullptr},
-        {90,  nullptr},
+    /* FormatId, buffer size, Name (nullptr: -1, buffer untouched) */
+    const std::tuple<int32_t, std::size_t, const char *> cases[] = {
+        {59, 32, "480p"},  {74, 32, "1080i60"}, {43, 32, "1280x720at60"}, {62, 32, "12x7at60-no-csc"},
+        {43, 5,  "1280"},  {43, 1,  ""},        {28, 32, nullptr}, // an alias with a rate
+        {0,  32, nullptr}, {90, 32, nullptr},
     };
     // clang-format on
-    for (const auto &[id, name] : cases) {
-        char buffer[32] = "keep";
-        EXPECT_EQ(VidFormatToName(id, buffer, sizeof buffer), name ? 0 : -1) << id;
-        EXPECT_STREQ(buffer, name ? name : "keep");
+    for (const auto &[id, size, name] : cases) {
+        char buffer[33];
+        std::memset(buffer, '#', sizeof buffer);
+        EXPECT_EQ(VidFormatToName(id, buffer, size), name ? 0 : -1) << id;
+        EXPECT_STREQ(name != nullptr ? buffer : nullptr, name) << id;
+        const std::size_t kept = name != nullptr ? size : 0; // bytes from here stay '#'
+        EXPECT_EQ(std::string(buffer + kept, sizeof buffer - kept),
+                  std::string(sizeof buffer - kept, '#'))
+            << id << " in " << size;
     }
-    char buffer[8];
-    std::memset(buffer, '#', sizeof buffer);
-    EXPECT_EQ(VidFormatToName(43, buffer, 5), 0);
-    EXPECT_EQ(std::string(buffer, 8), std::string("1280\0###", 8)); // nothing past the size
-    EXPECT_EQ(VidFormatToName(43, buffer, 1), 0);
-    EXPECT_STREQ(buffer, "");
 }
 
 // One step of alias folding (the rate always written), the name after folding, and the progressive
@@ -223,28 +214,21 @@ TEST_F(VidFormatTyped, AllowedListBySystemTypeAndSelector) {
 }
 
 TEST_F(VidFormatTyped, IsAllowedFollowsTypeAliasAndRate) {
-    struct Case {
-        int32_t Type, Id, Selector, Allowed;
-    };
     // clang-format off
     /* SysType, FormatId, Selector, Allowed */
-    const Case cases[] = {
-        {16,  61,  0,  1},
-        {17,  54,  1,  1}, // list B keeps 54
-        {18,  54,  1,  0}, // list D drops it
-        {18,  62,  0,  1}, // folds to 53
-        {18,  33,  0,  0}, // 35 at 30 Hz: a changed rate
-        {22,  72,  0,  1},
-        {22,  80,  1,  0},
-        {23,  26,  1,  1},
-        {14,  1,   1,  0}, // no row for the type
-        {0,   53,  0,  0},
+    const std::array<int32_t, 4> cases[] = {
+        {16, 61, 0, 1},
+        {17, 54, 1, 1}, // list B keeps 54
+        {18, 54, 1, 0}, // list D drops it
+        {18, 62, 0, 1}, // folds to 53
+        {18, 33, 0, 0}, // 35 at 30 Hz: a changed rate
+        {14, 1,  1, 0}, // no row for the type
     };
     // clang-format on
-    for (const Case &c : cases) {
-        SysTypeSet(c.Type);
-        EXPECT_EQ(VidFormatIsAllowed(c.Id, c.Selector), c.Allowed)
-            << "type " << c.Type << " id " << c.Id << " selector " << c.Selector;
+    for (const auto &[type, id, selector, allowed] : cases) {
+        SysTypeSet(type);
+        EXPECT_EQ(VidFormatIsAllowed(id, selector), allowed)
+            << "type " << type << " id " << id << " selector " << selector;
     }
 }
 

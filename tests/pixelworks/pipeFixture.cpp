@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <mutex>
@@ -17,8 +16,6 @@
 
 namespace {
 
-const char *const pipeNames[] = {"PWRdCmd", "PWWtCmd", "PWRdDiag", "PWWtDiag"};
-
 std::mutex reportMutex;
 std::vector<Report> reports;
 
@@ -27,24 +24,25 @@ void catchReport(int priority, const char *text) {
     reports.push_back({priority, text});
 }
 
+void closeFd(int &fd) {
+    if (fd >= 0)
+        close(fd);
+    fd = -1;
+}
+
 } // namespace
 
 PipeFolder::PipeFolder(std::size_t length) {
     char made[] = "/tmp/pwl.XXXXXX";
-    if (mkdtemp(made) == nullptr)
-        ADD_FAILURE() << "mkdtemp failed";
-    base = made;
-    path = made;
+    EXPECT_NE(mkdtemp(made), nullptr);
+    base = path = made;
     if (path.size() < length) {
-        path += '/';
-        path.append(length - path.size(), 'p');
-        if (mkdir(path.c_str(), 0700) != 0)
-            ADD_FAILURE() << "mkdir " << path;
+        path += "/" + std::string(length - path.size() - 1, 'p');
+        EXPECT_EQ(mkdir(path.c_str(), 0700), 0) << path;
     }
     for (int chip = 0; chip < PW_MAX_CHIPS; ++chip)
-        for (const char *name : pipeNames)
-            if (mkfifo(pipe(name, chip).c_str(), 0600) != 0)
-                ADD_FAILURE() << "mkfifo " << pipe(name, chip);
+        for (const char *name : {"PWRdCmd", "PWWtCmd", "PWRdDiag", "PWWtDiag"})
+            EXPECT_EQ(mkfifo(pipe(name, chip).c_str(), 0600), 0) << pipe(name, chip);
 }
 
 PipeFolder::~PipeFolder() {
@@ -52,18 +50,13 @@ PipeFolder::~PipeFolder() {
     std::filesystem::remove_all(base, ignored);
 }
 
-std::string PipeFolder::pipe(const char *name, int chip) const {
-    return path + "/" + name + std::to_string(chip);
-}
-
 DaemonEnds::DaemonEnds(const PipeFolder &folder, int chip, int interface) {
-    bool cmd   = interface == PW_INTERFACE_CMD;
+    const bool cmd = interface == PW_INTERFACE_CMD;
     toClient   = open(folder.pipe(cmd ? "PWRdCmd" : "PWRdDiag", chip).c_str(), O_RDWR | O_NONBLOCK);
     fromClient = open(folder.pipe(cmd ? "PWWtCmd" : "PWWtDiag", chip).c_str(), O_RDWR | O_NONBLOCK);
     EXPECT_GE(toClient, 0);
     EXPECT_GE(fromClient, 0);
-    // Start clean: what an earlier client of this process wrote is gone.
-    received();
+    received(); // start clean: what an earlier client of this process wrote is gone
 }
 
 DaemonEnds::~DaemonEnds() {
@@ -72,15 +65,11 @@ DaemonEnds::~DaemonEnds() {
 }
 
 void DaemonEnds::closeToClient() {
-    if (toClient >= 0)
-        close(toClient);
-    toClient = -1;
+    closeFd(toClient);
 }
 
 void DaemonEnds::closeFromClient() {
-    if (fromClient >= 0)
-        close(fromClient);
-    fromClient = -1;
+    closeFd(fromClient);
 }
 
 void DaemonEnds::send(const std::vector<uint8_t> &bytes) const {
@@ -101,8 +90,7 @@ void DaemonEnds::awaitDrained() const {
 std::vector<uint8_t> DaemonEnds::received() const {
     std::vector<uint8_t> all;
     uint8_t chunk[512];
-    ssize_t n;
-    while ((n = read(fromClient, chunk, sizeof chunk)) > 0)
+    for (ssize_t n; (n = read(fromClient, chunk, sizeof chunk)) > 0;)
         all.insert(all.end(), chunk, chunk + n);
     return all;
 }
@@ -118,18 +106,14 @@ ReportCatcher::~ReportCatcher() {
 
 std::vector<Report> ReportCatcher::take() {
     std::lock_guard<std::mutex> lock(reportMutex);
-    std::vector<Report> out;
-    out.swap(reports);
-    return out;
+    return std::exchange(reports, {});
 }
 
 std::vector<uint8_t> packetOf(uint8_t opcode, std::vector<uint16_t> words, int interface) {
     PWMsg msg{};
     msg.Opcode = opcode;
     msg.Length = static_cast<uint8_t>(2 * words.size());
-    for (std::size_t i = 0; i < words.size(); ++i)
-        msg.Payload[i] = words[i];
+    std::copy(words.begin(), words.end(), msg.Payload);
     uint8_t buf[pwBufferSize];
-    std::size_t n = PWPacketEncode(msg, interface, buf);
-    return std::vector<uint8_t>(buf, buf + n);
+    return std::vector<uint8_t>(buf, buf + PWPacketEncode(msg, interface, buf));
 }

@@ -10,32 +10,30 @@
 #include <vector>
 
 // A fresh folder under /tmp with the pipes of chips 0 to 2, both
-// interfaces; removed with everything in it when the object goes.
+// interfaces, its path padded to `length` characters by a folder inside;
+// removed with everything in it when the object goes.
 struct PipeFolder {
-    std::string base; // the folder made under /tmp
-    std::string path; // the pipes' folder: base, or a padded folder inside it
-    explicit PipeFolder(std::size_t length = 0); // pad the path to `length` characters
+    std::string base, path;
+    explicit PipeFolder(std::size_t length = 0);
     ~PipeFolder();
-    std::string pipe(const char *name, int chip) const;
+    std::string pipe(const char *name, int chip) const {
+        return path + "/" + name + std::to_string(chip);
+    }
 };
 
 // The daemon's side of one chip's interface: the client's read pipe open
 // for writing, the client's write pipe open for reading (both O_RDWR, so
 // neither open waits).
 struct DaemonEnds {
-    int toClient   = -1;
-    int fromClient = -1;
+    int toClient = -1, fromClient = -1;
     DaemonEnds(const PipeFolder &folder, int chip, int interface);
     ~DaemonEnds();
     void closeToClient();
     void closeFromClient();
     void send(const std::vector<uint8_t> &bytes) const;
-    // Bytes waiting in the client's read pipe.
-    int pending() const;
-    // Waits until the client has taken every byte of its read pipe.
-    void awaitDrained() const;
-    // All bytes the client has written so far (non-blocking).
-    std::vector<uint8_t> received() const;
+    int pending() const;                   // bytes waiting in the client's read pipe
+    void awaitDrained() const;             // until the client has taken them all
+    std::vector<uint8_t> received() const; // all the client wrote so far
 };
 
 struct Report {
