@@ -136,12 +136,10 @@ TEST_F(SysCapsTest, ConnRateBlockByRateAndFlags) {
         EXPECT_EQ(block, sysCaps::ConnRateBlockRows(p.Block))
             << p.Rate << " " << p.FlagA << " " << p.FlagB;
         // A block for 4096 and up starts at its own rate; the rates fall along the steps.
-        if (p.Rate == 4096 || p.Rate == 6144 || p.Rate == 8192) {
-            EXPECT_EQ(block[0].Value.Number, p.Rate);
-        }
-        for (int32_t i = 1; i < 8; ++i) {
+        const bool ownRate = p.Rate == 4096 || p.Rate == 6144 || p.Rate == 8192;
+        EXPECT_TRUE(!ownRate || block[0].Value.Number == p.Rate) << p.Rate;
+        for (int32_t i = 1; i < 8; ++i)
             EXPECT_LE(block[i].Value.Number, block[i - 1].Value.Number) << p.Rate;
-        }
     }
     // Block A changes nothing on a set that starts with its rates.
     Select(18, nullptr);
@@ -179,39 +177,6 @@ TEST_F(SysCapsTest, TheFirstAccessSelectsOnceWhateverFollows) {
 }
 
 // ---- The board step ----
-
-TEST_F(SysCapsTest, BoardStepPerBoardWordAndFamily) {
-    struct Case {
-        const char *Board;
-        int32_t Type;
-        SysCapsWord BoardType, FirstHdam, HdamCnt, FpgaType, DspType, Bus2, Dev0;
-    };
-    // clang-format off
-    /* Board word, SysType, HdamBoardType, IpcNumFirstHdamDsp, HdamDspCnt, HdamFpgaType,
-       HdamDspType, HdamDspPciBus 2, HdamDspPciDev 0 */
-    const Case cases[] = {
-        {nullptr,         18,  0,  0,  0,  1,  0,  0,  0},
-        {"dm642",         14,  2,  13, 5,  2,  1,  9,  0},
-        {"DM642",         16,  2,  9,  5,  2,  1,  9,  0},
-        {"DM642",         18,  2,  6,  5,  1,  1,  8,  0},
-        {"MOSS_DM642",    14,  3,  9,  3,  3,  1,  8,  1},
-        {"moss_davinci",  20,  4,  9,  3,  3,  2,  8,  1},
-        {"DAVINCI_QTY3",  16,  5,  6,  3,  1,  2,  8,  1},
-        {"DAVINCI_QTY1",  21,  6,  6,  1,  1,  2,  0,  18},
-    };
-    // clang-format on
-    for (const Case &c : cases) {
-        Select(c.Type, c.Board);
-        SCOPED_TRACE(testing::Message() << (c.Board ? c.Board : "(unset)") << " on " << c.Type);
-        EXPECT_EQ(
-            std::make_tuple(
-                Get(SYS_CAPS_VIDEO, "HdamBoardType"), Get(SYS_CAPS_VIDEO, "IpcNumFirstHdamDsp"),
-                Get(SYS_CAPS_VIDEO, "HdamDspCnt"), Get(SYS_CAPS_VIDEO, "HdamFpgaType"),
-                Get(SYS_CAPS_VIDEO, "HdamDspType"), Get(SYS_CAPS_VIDEO, "HdamDspPciBus", 2),
-                Get(SYS_CAPS_VIDEO, "HdamDspPciDev", 0)),
-            std::tie(c.BoardType, c.FirstHdam, c.HdamCnt, c.FpgaType, c.DspType, c.Bus2, c.Dev0));
-    }
-}
 
 TEST_F(SysCapsTest, BoardStepChangesOnlyItsRowsOfCategoryZero) {
     const Snapshot::key_type boardType{SYS_CAPS_VIDEO, "HdamBoardType", 0};

@@ -55,12 +55,10 @@ TEST(SysTypeLookup, WholeWordsInAnyCase) {
         {family, "larch",        0},
     };
     // clang-format on
-    for (const Case &c : cases) {
+    for (const Case &c : cases)
         EXPECT_EQ(c.Lookup(c.Name), c.Expected) << (c.Name ? c.Name : "(null)");
-    }
-    for (int32_t none : {0, 3, -1, 16}) {
+    for (int32_t none : {0, 3, -1, 16})
         EXPECT_EQ(HwFamilyToName(none), nullptr) << none;
-    }
 }
 
 // The variable is read at each call: unset, a board word in any case, then a word of no board.
@@ -77,9 +75,12 @@ TEST(SysTypeLookup, BoardVariableIsReadAtEachCall) {
 TEST(SysTypeNameUpper, NumbersFullWordsAndCutsToTheBuffer) {
     /* Index, buffer size, the text written (nullptr: refused) */
     const std::tuple<int32_t, uint32_t, const char *> cases[] = {
-        {0, 16, "LARCH"}, {1, 16, "ALDER"},   {2, 16, "ROWAN"},       {3, 16, "ROWAN_INT"},
-        {4, 16, "HAZEL"}, {5, 16, "ASPEN"},   {6, 16, "ELM"},         {0, 4, "LAR"},
-        {3, 1, ""},       {6, 4, "ELM"},      {7, 16, nullptr},       {-1, 16, nullptr},
+        {0, 16, "LARCH"}, {1, 16, "ALDER"},
+        {2, 16, "ROWAN"}, {3, 16, "ROWAN_INT"},
+        {4, 16, "HAZEL"}, {5, 16, "ASPEN"},
+        {6, 16, "ELM"},   {0, 4, "LAR"},
+        {3, 1, ""},       {6, 4, "ELM"},
+        {7, 16, nullptr}, {-1, 16, nullptr},
         {0, 0, nullptr},  {INT32_MIN, 16, nullptr},
     };
     for (const auto &[index, size, expected] : cases) {

@@ -38,9 +38,8 @@ TEST(VidFormatTables, AllowedListsDifferAsDescribed) {
             EXPECT_TRUE(Holds(&row.Second, id)) << row.Type << " " << id;
         }
         for (const VidFormatList *list : {&row.First, &row.Second}) {
-            if (Holds(list, 61)) {
+            if (Holds(list, 61))
                 holding61.insert(list->Ids);
-            }
         }
     }
     EXPECT_EQ(holding61.size(), 1u);
@@ -194,22 +193,6 @@ TEST(VidFormatResolveAlias, FoldsOneStepAndNamesTheTarget) {
         EXPECT_EQ(std::pair(id, rate), std::pair(c.Folded, c.Rate)) << c.Id;
         EXPECT_STREQ(VidFormatNameOf(c.Id), c.Name) << c.Id;
         EXPECT_EQ(VidFormatProgressiveOf(c.Id), c.Progressive) << c.Id;
-    }
-}
-
-// Each row's type gets its first list for selector 0 and its second for any other selector.
-TEST_F(VidFormatTyped, AllowedListBySystemTypeAndSelector) {
-    for (const auto &row : vidFormat::VidFormatAllowedTable) {
-        SysTypeSet(row.Type);
-        EXPECT_EQ(VidFormatAllowedList(0), &row.First) << row.Type;
-        for (int32_t selector : {1, -1, 1000}) {
-            EXPECT_EQ(VidFormatAllowedList(selector), &row.Second) << row.Type << " " << selector;
-        }
-    }
-    for (int32_t type : {0, 14, 15, 19, 24, -1}) {
-        SysTypeSet(type);
-        EXPECT_EQ(VidFormatAllowedList(0), nullptr) << type;
-        EXPECT_EQ(VidFormatAllowedList(1), nullptr) << type;
     }
 }
 
