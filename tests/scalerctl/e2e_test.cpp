@@ -67,15 +67,18 @@ Outcome runWithSim(const Words &toolArgs, const Words &simArgs = {}) {
 
 const std::string sixNone = "ffff,ffff,ffff,ffff,ffff,ffff";
 
-// The output report of the simulator's default output, 1280 x 720 at 60 Hz,
-// with the status it reports: "valid", or "none" while status0 holds it.
-std::string report720p60Status(const std::string &status) {
-    return "\nVideo output:\n  Status             = " + status +
-           "\n  Input source       = 0x0\n  Timing params:\n"
-           "    Mode             = 1280 x 720 at 60.0 Hz\n    Total frame size = 1650 x 750\n";
+// A report of the simulator's, for the input or the output.
+std::string report(const char *port, const char *status, const char *mode, const char *totals) {
+    return std::string("\nVideo ") + port + ":\n  Status             = " + status +
+           "\n  Input source       = 0x0\n  Timing params:\n    Mode             = " + mode +
+           "\n    Total frame size = " + totals + "\n";
 }
-const std::string report720p60     = report720p60Status("valid");
-const std::string report720p60None = report720p60Status("none");
+
+// The simulator's default output, 1280 x 720 at 60 Hz, and the same while
+// status0 holds its status at 0.
+const std::string report720p60 = report("output", "valid", "1280 x 720 at 60.0 Hz", "1650 x 750");
+const std::string report720p60None =
+    report("output", "none", "1280 x 720 at 60.0 Hz", "1650 x 750");
 
 const std::string timeoutLine  = "scalerctl: timeout (check camera source)\n";
 const std::string mismatchLine = "scalerctl: output mode doesn't match request\n";
@@ -83,51 +86,63 @@ const std::string openFailed   = "scalerctl: open command failed\n";
 
 // ---- the run as a whole ------------------------------------------------------
 
-TEST(ScalerctlRun, TheTypicalRun) {
-    Outcome o = runWithSim({"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-Q"});
-    EXPECT_EQ(o.Run.Out, report720p60);
-    EXPECT_EQ(o.Run.ExitStatus, 0);
-    EXPECT_EQ(o.Run.Err, "");
-    EXPECT_EQ(o.Requests, (Words{"op=0x04 words=0002", "op=0x2c words=" + sixNone,
-                                 "op=0x05 words=0000", "op=0x25 words=0000", "op=0x03 words=-"}));
-}
+struct RunRow {
+    Words SimArgs;
+    Words ToolArgs;
+    std::string Out;
+    int Exit;
+    Words Requests; // in order
+};
 
-// Runs that end with status 1 before any request: a refused command line or --help before the
-// link (the folder does not exist), then the link's own refusals. The link's causes go to the
-// system log, never to the terminal.
-TEST(ScalerctlRun, RunsThatEndBeforeAnyRequest) {
-    const std::string fifty                    = "/" + std::string(49, 'p');
-    const std::pair<Words, std::string> rows[] = {
-        {{"-p", "/nonexistent", "-d", "3", "-i", "4", "-c", "dvi-d"},
-         "scalerctl: --device must be in the range 0 - 2\n"},
-        {{"-p", "/nonexistent", "--help"}, "usage: scalerctl <option> ... <action> ...\n"},
-        {{"-p", fifty, "-d", "0", "-r"}, "scalerctl: init command returned -3\n"},
-        {{"-p", "/nonexistent", "-d", "0", "-r"}, openFailed},
+// Each run against a simulator of its own: what it prints, its exit status
+// and the requests it sends, in the fixed order of the actions. Reset ends
+// the run, whatever else the command line asks (the parser checked it); the
+// output report follows --query-out or --verbose, and the output is polled
+// until its status is not 0; an interlaced mode expects the lines of both
+// fields; the first failed request ends the run.
+TEST(ScalerctlRun, EachRunPrintsAndSendsItsRequestsInOrder) {
+    const std::string reset0 = "scalerctl: reset command returned 0\n";
+    const Words setMode0     = {"op=0x05 words=0000", "op=0x25 words=0000", "op=0x03 words=-"};
+    const Words poll         = {"op=0x03 words=-"};
+    // clang-format off
+    const RunRow rows[] = {
+        {{}, {"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-Q"}, report720p60, 0,
+         {"op=0x04 words=0002", "op=0x2c words=" + sixNone, setMode0[0], setMode0[1], setMode0[2]}},
+        {{}, {"-d", "1", "--reset"}, reset0, 0, {"op=0x01 words=-"}},
+        {{}, {"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-g", "-q", "-Q", "-r"}, reset0, 0,
+         {"op=0x01 words=-"}},
+        {{"--fault", "never"}, {"-d", "0", "-r"}, "scalerctl: reset command returned -35\n", 0,
+         {"op=0x01 words=-"}},
+        {{}, {"-d", "0", "-m", "ntsc", "-Q"},
+         report("output", "valid", "720 x 480 at 29.97 Hz", "858 x 525"), 0,
+         {"op=0x05 words=0005", "op=0x25 words=0000", "op=0x03 words=-"}},
+        {{"--firmware", "513", "--input", "720x480@59.94"}, {"-d", "2", "-q", "-g"},
+         "Firmware version 513\n" + report("input", "valid", "720 x 480 at 59.94 Hz", "858 x 525"), 0,
+         {"op=0x23 words=-", "op=0x02 words=-"}},
+        {{}, {"-d", "0", "-Q"}, report720p60, 0, poll},
+        {{}, {"-d", "0", "-V", "-m", "720p60"}, report720p60, 0, setMode0},
+        {{}, {"-d", "0", "-m", "720p60"}, "", 0, setMode0},
+        {{"--fault", "status0=3"}, {"-d", "0", "-m", "720p60", "-Q"}, report720p60, 0,
+         {setMode0[0], setMode0[1], poll[0], poll[0], poll[0], poll[0]}},
+        {{"--fault", "never"}, {"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-g", "-Q"},
+         "scalerctl: set cable command returned -35\n", 1, {"op=0x04 words=0002"}},
+        // A later --pipepath wins: a refused command line ends before the link, whose causes go to
+        // the system log, never to the terminal.
+        {{}, {"-p", "/nonexistent", "-d", "3", "-i", "4", "-c", "dvi-d"},
+         "scalerctl: --device must be in the range 0 - 2\n", 1, {}},
+        {{}, {"-p", "/" + std::string(49, 'p'), "-d", "0", "-r"},
+         "scalerctl: init command returned -3\n", 1, {}},
+        {{}, {"-p", "/nonexistent", "-d", "0", "-r"}, openFailed, 1, {}},
     };
-    for (const auto &[args, firstLine] : rows) {
-        ProgramRun run = RunScalerctl(args);
-        EXPECT_EQ(run.Out.substr(0, firstLine.size()), firstLine) << firstLine;
-        EXPECT_EQ(run.ExitStatus, 1) << firstLine;
-        EXPECT_EQ(run.Err, "") << firstLine;
+    // clang-format on
+    for (const RunRow &row : rows) {
+        const Outcome o        = runWithSim(row.ToolArgs, row.SimArgs);
+        const std::string what = testing::PrintToString(row.ToolArgs);
+        EXPECT_EQ(o.Run.Out, row.Out) << what;
+        EXPECT_EQ(o.Run.ExitStatus, row.Exit) << what;
+        EXPECT_EQ(o.Run.Err, "") << what;
+        EXPECT_EQ(o.Requests, row.Requests) << what;
     }
-}
-
-// ---- reset ---------------------------------------------------------------------
-
-TEST(ScalerctlReset, ResetAloneAndBeforeEverythingElse) {
-    // Everything else is checked by the parser and then ignored.
-    const std::vector<Outcome> o = runSession(
-        {{"-d", "1", "--reset"},
-         {"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-g", "-q", "-Q", "-r"}});
-    for (const Outcome &run : o) {
-        EXPECT_EQ(run.Run.Out, "scalerctl: reset command returned 0\n");
-        EXPECT_EQ(run.Run.ExitStatus, 0);
-    }
-    EXPECT_EQ(o.back().Requests, (Words{"op=0x01 words=-", "op=0x01 words=-"}));
-
-    Outcome silent = runWithSim({"-d", "0", "-r"}, {"--fault", "never"});
-    EXPECT_EQ(silent.Run.Out, "scalerctl: reset command returned -35\n");
-    EXPECT_EQ(silent.Run.ExitStatus, 0);
 }
 
 // ---- cables and their gains ----------------------------------------------------------
@@ -171,56 +186,6 @@ TEST(ScalerctlCable, SetCableThenItsGainsOnOneSimulator) {
         EXPECT_EQ(o[i].Run.ExitStatus, 0) << rows[i].Args.back();
     }
     EXPECT_EQ(o.back().Requests, expected);
-}
-
-// ---- output modes --------------------------------------------------------------------
-
-TEST(ScalerctlMode, AnInterlacedModeExpectsTheLinesOfBothFields) {
-    Outcome o = runWithSim({"-d", "0", "-m", "ntsc", "-Q"});
-    EXPECT_EQ(o.Run.ExitStatus, 0) << o.Run.Out;
-    EXPECT_NE(o.Run.Out.find("    Mode             = 720 x 480 at "), std::string::npos)
-        << o.Run.Out;
-    EXPECT_EQ(o.Requests, (Words{"op=0x05 words=0005", "op=0x25 words=0000", "op=0x03 words=-"}));
-}
-
-// ---- queries -------------------------------------------------------------------------
-
-TEST(ScalerctlQuery, FirmwareInputAndStatusInTheirOrder) {
-    Outcome o =
-        runWithSim({"-d", "2", "-q", "-g"}, {"--firmware", "513", "--input", "720x480@59.94"});
-    EXPECT_EQ(o.Run.Out, "Firmware version 513\n"
-                         "\nVideo input:\n"
-                         "  Status             = valid\n"
-                         "  Input source       = 0x0\n"
-                         "  Timing params:\n"
-                         "    Mode             = 720 x 480 at 59.94 Hz\n"
-                         "    Total frame size = 858 x 525\n");
-    EXPECT_EQ(o.Run.ExitStatus, 0);
-    EXPECT_EQ(o.Requests, (Words{"op=0x23 words=-", "op=0x02 words=-"}));
-}
-
-// The output report follows --query-out, alone or after a change, and
-// --verbose; without either a change prints nothing.
-TEST(ScalerctlQuery, TheOutputReportOnlyWhenAskedFor) {
-    const std::vector<Outcome> o = runSession(
-        {{"-d", "0", "-Q"}, {"-d", "0", "-V", "-m", "720p60"}, {"-d", "0", "-m", "720p60"}});
-    EXPECT_EQ(o[0].Run.Out, report720p60);
-    EXPECT_EQ(o[1].Run.Out, report720p60);
-    EXPECT_EQ(o[2].Run.Out, "");
-    for (const Outcome &run : o)
-        EXPECT_EQ(run.Run.ExitStatus, 0);
-    EXPECT_EQ(
-        o.back().Requests,
-        (Words{"op=0x03 words=-", "op=0x05 words=0000", "op=0x25 words=0000", "op=0x03 words=-",
-               "op=0x05 words=0000", "op=0x25 words=0000", "op=0x03 words=-"}));
-}
-
-TEST(ScalerctlQuery, OutputIsPolledUntilItReports) {
-    Outcome o = runWithSim({"-d", "0", "-m", "720p60", "-Q"}, {"--fault", "status0=3"});
-    EXPECT_EQ(o.Run.Out, report720p60);
-    EXPECT_EQ(o.Run.ExitStatus, 0);
-    EXPECT_EQ(o.Requests, (Words{"op=0x05 words=0000", "op=0x25 words=0000", "op=0x03 words=-",
-                                 "op=0x03 words=-", "op=0x03 words=-", "op=0x03 words=-"}));
 }
 
 // ---- failures of the daemon as the tool sees them --------------------------------------
@@ -270,15 +235,6 @@ TEST(ScalerctlFaults, EachFaultOfTheSimulator) {
         const long polls = std::count(o.Requests.begin(), o.Requests.end(), "op=0x03 words=-");
         EXPECT_TRUE(row.Polls < 0 || polls == row.Polls) << what << ": " << polls << " polls";
     }
-}
-
-TEST(ScalerctlFaults, AFailedRequestEndsTheRun) {
-    // Set cable times out: nothing behind it is sent.
-    Outcome o = runWithSim({"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-g", "-Q"},
-                           {"--fault", "never"});
-    EXPECT_EQ(o.Run.Out, "scalerctl: set cable command returned -35\n");
-    EXPECT_EQ(o.Run.ExitStatus, 1);
-    EXPECT_EQ(o.Requests, Words{"op=0x04 words=0002"});
 }
 
 } // namespace
