@@ -111,35 +111,25 @@ TEST_F(SysCapsTest, EveryRowPrintsAndTheRowsAgreeAcrossKeys) {
     EXPECT_EQ(longest + 1, SYS_CAPS_TEXT_SIZE);
 }
 
+// The block for a rate and two flags; a block for 4096 and up starts at its own rate, and the
+// rates fall along the steps.
 TEST_F(SysCapsTest, ConnRateBlockByRateAndFlags) {
     using B = sysCaps::ConnRateBlock;
-    struct Pick {
-        int32_t Rate, FlagA, FlagB;
-        B Block;
-    };
     // clang-format off
     /* Rate, FlagA, FlagB, Block */
-    const Pick picks[] = {
-        {8192,   1,  0, B::H},
-        {8192,   1,  1, B::G},
-        {8192,   0,  0, B::G},
-        {6144,   0,  1, B::E},
-        {6144,   1,  0, B::F},
-        {4096,   0,  7, B::C},
-        {4096,   2,  0, B::D},
-        {-8192,  1,  0, B::B},
-        {8191,   0,  0, B::A},
+    const std::tuple<int32_t, int32_t, int32_t, B> picks[] = {
+        {8192, 1, 0, B::H}, {8192, 1, 1, B::G}, {8192, 0, 0, B::G}, {6144,  0, 1, B::E},
+        {6144, 1, 0, B::F}, {4096, 0, 7, B::C}, {4096, 2, 0, B::D}, {-8192, 1, 0, B::B},
+        {8191, 0, 0, B::A},
     };
     // clang-format on
-    for (const Pick &p : picks) {
-        const SysCapsRow *block = SysCapsConnRateBlock(12345, p.Rate, p.FlagA, p.FlagB);
-        EXPECT_EQ(block, sysCaps::ConnRateBlockRows(p.Block))
-            << p.Rate << " " << p.FlagA << " " << p.FlagB;
-        // A block for 4096 and up starts at its own rate; the rates fall along the steps.
-        const bool ownRate = p.Rate == 4096 || p.Rate == 6144 || p.Rate == 8192;
-        EXPECT_TRUE(!ownRate || block[0].Value.Number == p.Rate) << p.Rate;
+    for (const auto &[rate, flagA, flagB, expected] : picks) {
+        const SysCapsRow *block = SysCapsConnRateBlock(12345, rate, flagA, flagB);
+        EXPECT_EQ(block, sysCaps::ConnRateBlockRows(expected)) << rate << " " << flagA << flagB;
+        const bool ownRate = rate == 4096 || rate == 6144 || rate == 8192;
+        EXPECT_TRUE(!ownRate || block[0].Value.Number == rate) << rate;
         for (int32_t i = 1; i < 8; ++i)
-            EXPECT_LE(block[i].Value.Number, block[i - 1].Value.Number) << p.Rate;
+            EXPECT_LE(block[i].Value.Number, block[i - 1].Value.Number) << rate;
     }
     // Block A changes nothing on a set that starts with its rates.
     Select(18, nullptr);
@@ -217,19 +207,15 @@ TEST_F(SysCapsTest, BoardStepChangesOnlyItsRowsOfCategoryZero) {
     }
 }
 
+// Rows of a block without a key and index of the category are skipped; a null block does nothing.
 TEST_F(SysCapsTest, ApplyBlockSkipsRowsWithoutAMatch) {
     Select(21, nullptr);
-    // clang-format off
     /* Key, Value, Index, Format */
     const SysCapsRow block[] = {
-        {"HdamDspCnt",      {.Number = 4},  0, nullptr},
-        {"hdamdspcnt",      {.Number = 9},  0, nullptr},
-        {"HdamDspPciBus",   {.Number = 9},  8, nullptr},
-        {"HwFamily",        {.Number = 9},  0, nullptr},
-        {"HdamDspPciDev",   {.Number = 7},  7, nullptr},
-        {nullptr,           {.Number = 0},  0, nullptr},
+        {"HdamDspCnt", {.Number = 4}, 0, nullptr},    {"hdamdspcnt", {.Number = 9}, 0, nullptr},
+        {"HdamDspPciBus", {.Number = 9}, 8, nullptr}, {"HwFamily", {.Number = 9}, 0, nullptr},
+        {"HdamDspPciDev", {.Number = 7}, 7, nullptr}, {nullptr, {.Number = 0}, 0, nullptr},
     };
-    // clang-format on
     Snapshot expected                              = Take(21);
     expected[{SYS_CAPS_VIDEO, "HdamDspCnt", 0}]    = " 4 ";
     expected[{SYS_CAPS_VIDEO, "HdamDspPciDev", 7}] = " 7 ";

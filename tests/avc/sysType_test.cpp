@@ -28,35 +28,20 @@ TEST(SysTypeTables, BoardNumbersAndFamilyWords) {
 }
 
 TEST(SysTypeLookup, WholeWordsInAnyCase) {
-    struct Case {
-        int32_t (*Lookup)(const char *);
-        const char *Name;
-        int32_t Expected;
-    };
     const auto type = SysTypeFromName, board = HdamBoardFromName, family = HwFamilyFromName;
     // clang-format off
     /* Lookup, Name, Expected number (0: none) */
-    const Case cases[] = {
-        {type,   nullptr,        0},
-        {type,   "lrch",         16}, // an alias
-        {type,   "ROWAN_INT",    23}, // stands before hazel in the table
-        {type,   "rowan_in",     0},
-        {type,   "rowan_int ",   0},
-        {type,   "elm",          22},
-        {type,   "DM642",        0},
-        {type,   "rowan\0int",   18},
-        {board,  nullptr,        0},
-        {board,  "none",         1},
-        {board,  "davinci_qty1", 6},
-        {board,  "DM64",         0},
-        {board,  "rowan",        0},
-        {family, "LRCH",         1},
-        {family, "Rowan",        2},
-        {family, "larch",        0},
+    const std::tuple<int32_t (*)(const char *), const char *, int32_t> cases[] = {
+        {type,   nullptr,      0},  {type,  "lrch",         16}, {type,   "ROWAN_INT", 23},
+        {type,   "rowan_in",   0},  {type,  "rowan_int ",   0},  {type,   "elm",       22},
+        {type,   "DM642",      0},  {type,  "rowan\0int",   18}, {board,  nullptr,     0},
+        {board,  "none",       1},  {board, "davinci_qty1", 6},  {board,  "DM64",      0},
+        {board,  "rowan",      0},  {family, "LRCH",        1},  {family, "Rowan",     2},
+        {family, "larch",      0},
     };
     // clang-format on
-    for (const Case &c : cases)
-        EXPECT_EQ(c.Lookup(c.Name), c.Expected) << (c.Name ? c.Name : "(null)");
+    for (const auto &[lookup, name, expected] : cases)
+        EXPECT_EQ(lookup(name), expected) << (name ? name : "(null)");
     for (int32_t none : {0, 3, -1, 16})
         EXPECT_EQ(HwFamilyToName(none), nullptr) << none;
 }
@@ -99,18 +84,21 @@ TEST(SysTypeNameUpper, NumbersFullWordsAndCutsToTheBuffer) {
     EXPECT_EQ(SysTypeNameUpper(0, nullptr, 16), -1);
 }
 
+// Up to the limit or the zero; the C locale leaves bytes above 127 alone.
 TEST(SysTypeStrToUpperN, StopsAtTheLimitOrTheZero) {
-    char text[] = "rowan_int";
-    EXPECT_EQ(StrToUpperN(text, 3), 0);
-    EXPECT_STREQ(text, "ROWan_int");
-    EXPECT_EQ(StrToUpperN(text, 100), 0); // stops at the zero
-    EXPECT_STREQ(text, "ROWAN_INT");
-    char untouched[] = "abc";
-    EXPECT_EQ(StrToUpperN(untouched, 0) + StrToUpperN(untouched, -5), 0);
-    EXPECT_STREQ(untouched, "abc");
-    char mixed[] = "a1-z\xe9";
-    EXPECT_EQ(StrToUpperN(mixed, 5), 0);
-    EXPECT_STREQ(mixed, "A1-Z\xe9"); // the C locale leaves bytes above 127 alone
+    /* Text, limit, the text afterwards */
+    const std::tuple<const char *, int32_t, const char *> cases[] = {
+        {"rowan_int", 3, "ROWan_int"},
+        {"rowan_int", 100, "ROWAN_INT"},
+        {"abc", 0, "abc"},
+        {"abc", -5, "abc"},
+        {"a1-z\xe9", 5, "A1-Z\xe9"},
+    };
+    for (const auto &[before, limit, after] : cases) {
+        std::string text = before;
+        EXPECT_EQ(StrToUpperN(text.data(), limit), 0);
+        EXPECT_EQ(text, after) << before << " " << limit;
+    }
     EXPECT_EQ(StrToUpperN(nullptr, 4), 0);
 }
 

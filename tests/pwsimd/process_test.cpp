@@ -1,7 +1,6 @@
 // pwsimd as a program: its folder, its help, a second daemon on the same
-// pipes, stale pipes after a crash, cleanup on each stop signal, and the trace
-// lines of its replies, which the end-to-end tests don't read.
-#include "system/Pixelworks/PWApi.h"
+// pipes, stale pipes after a crash and cleanup on each stop signal. Its trace
+// of requests is read by the end-to-end tests of the tool.
 #include "tests/pwsimd/simProcess.h"
 
 #include <gtest/gtest.h>
@@ -102,66 +101,6 @@ TEST(PwsimdProcess, RemovesItsPipesOnEachStopSignal) {
         close(reply);
         close(request);
     }
-}
-
-// One exchange over the link (a PWMsg is Length in bytes, Opcode, Payload):
-// the receive's result. The default timeout only guards against a hang.
-int exchange(PWHandle *handle, PWMsg msg, uint32_t timeoutMs = 5000) {
-    EXPECT_EQ(PWSendMsg(handle, &msg), PW_OK);
-    return PWReceiveMsg(handle, timeoutMs, &msg);
-}
-
-// The exact lines in order, through the real link: the state of a chip is
-// shared by its two interfaces and is its own (set output mode on chip 0
-// leaves chip 2 as it was), the fault notes, bad bytes on a request pipe, and
-// a refused request.
-TEST(PwsimdProcess, TraceLinesTellEachRequestAndReply) {
-    SimProcess sim;
-    ASSERT_TRUE(
-        SimStart(sim, {"--trace", "--fault", "status0=1@0", "--fault", "split@2"}, "", true));
-    ASSERT_EQ(PWInit(sim.Dir.c_str()), PW_OK);
-    PWHandle *cmd0  = PWOpenCmdHandle(0);
-    PWHandle *diag0 = PWOpenDiagHandle(0);
-    PWHandle *diag2 = PWOpenDiagHandle(2);
-    ASSERT_NE(cmd0, nullptr);
-    ASSERT_NE(diag0, nullptr);
-    ASSERT_NE(diag2, nullptr);
-    EXPECT_EQ(exchange(cmd0, {2, 0x05, {5}}), PW_OK);
-    EXPECT_EQ(exchange(diag0, {0, 0x03, {}}), PW_OK);
-    EXPECT_EQ(exchange(diag2, {12, 0x2C, {67, 63, 64, 0xFFFF, 0xFFFF, 0xFFFF}}), PW_OK);
-    {
-        int fd = open(SimPipePath(sim.Dir, "PWWtDiag", 2).c_str(), O_WRONLY | O_NONBLOCK);
-        ASSERT_GE(fd, 0);
-        const uint8_t junk[] = {'j', 'u', 'n', 'k'};
-        EXPECT_EQ(write(fd, junk, sizeof junk), static_cast<ssize_t>(sizeof junk));
-        close(fd);
-    }
-    EXPECT_EQ(exchange(diag2, {0, 0x03, {}}), PW_OK);
-    EXPECT_EQ(exchange(cmd0, {0, 0x77, {}}, 300), PW_ERR_TIMEOUT);
-
-    const std::vector<std::string> expected = {
-        "pwsimd: req chip=0 if=cmd op=0x05 name=set-mode len=2 note=- words=0005",
-        "pwsimd: rep chip=0 if=cmd op=0x05 name=set-mode len=0 note=- words=-",
-        "pwsimd: req chip=0 if=diag op=0x03 name=query-output len=0 note=- words=-",
-        "pwsimd: rep chip=0 if=diag op=0x03 name=query-output len=18 note=status0 "
-        "words=0000,0bb5,035a,020d,02d0,01e0,0000,0000,0000",
-        "pwsimd: req chip=2 if=diag op=0x2c name=set-gains len=12 note=- "
-        "words=0043,003f,0040,ffff,ffff,ffff",
-        "pwsimd: rep chip=2 if=diag op=0x2c name=set-gains len=0 note=split words=-",
-        "pwsimd: bad chip=2 if=diag skipped=4",
-        "pwsimd: req chip=2 if=diag op=0x03 name=query-output len=0 note=- words=-",
-        "pwsimd: rep chip=2 if=diag op=0x03 name=query-output len=18 note=split "
-        "words=0001,1770,0672,02ee,0500,02d0,0000,0000,0000",
-        "pwsimd: req chip=0 if=cmd op=0x77 name=? len=0 note=- words=-",
-        "pwsimd: rep chip=0 if=cmd op=0x77 name=? len=0 note=refused words=-",
-    };
-    for (PWHandle *h : {cmd0, diag0, diag2})
-        EXPECT_EQ(PWReleaseHandle(h), PW_OK);
-    EXPECT_TRUE(SimStop(sim));
-    std::string all;
-    for (const std::string &line : expected)
-        all += line + "\n";
-    EXPECT_EQ(sim.Err, all);
 }
 
 } // namespace

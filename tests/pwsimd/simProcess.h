@@ -44,8 +44,8 @@ std::string SimPipePath(const std::string &dir, const char *name, int chip);
 
 // Sends `signal` and waits for the end. With SIGKILL it succeeds when the
 // signal ended it, and the pipes stay behind, as after a crash; with any
-// other, when the exit status is 0 and the twelve pipes are gone (the
-// folder too, if the helper made it).
+// other, when the exit status is 0 and the folder is left empty (and is
+// removed, if the helper made it).
 ::testing::AssertionResult SimStop(SimProcess &sim, int signal = SIGTERM);
 
 // One program run to its end: its exit status and all it printed.
