@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdio>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -16,9 +17,9 @@
 // One pwsimd. The destructor kills one still running and removes the folder
 // if the helper made it, so a failed test leaves nothing behind.
 struct SimProcess {
-    pid_t Pid    = -1;
-    int StdoutFd = -1;
-    int StderrFd = -1; // -1 unless standard error was captured
+    pid_t Pid          = -1;
+    int StdoutFd       = -1;      // the read end of its standard output
+    std::FILE *ErrFile = nullptr; // its standard error, when captured
     std::string Dir;
     bool OwnsDir = false;
     std::string Err; // the captured standard error, once stopped
@@ -56,8 +57,7 @@ struct ProgramRun {
 };
 
 // Runs `program` with `args` behind the words of `emulator` (a ';'-separated
-// list, empty for a native build) to its end; a guard against a hang kills
-// it after a minute without output.
+// list, empty for a native build) to its end.
 ProgramRun RunProgram(std::string_view emulator, const std::string &program,
                       const std::vector<std::string> &args);
 
