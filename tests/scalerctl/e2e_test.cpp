@@ -40,29 +40,20 @@ struct Outcome {
     Words Requests;
 };
 
-// Runs scalerctl once for each of `runs`, in order, against one simulator
-// started with `simArgs`, and stops the simulator afterwards. The requests
-// of all the runs are in the last outcome; the others have none.
-std::vector<Outcome> runSession(const std::vector<Words> &runs, const Words &simArgs = {}) {
-    std::vector<Outcome> outcomes(runs.size());
+// One run of scalerctl with `toolArgs` against a simulator of its own,
+// started with `simArgs`.
+Outcome runWithSim(const Words &toolArgs, const Words &simArgs = {}) {
+    Outcome o;
     SimProcess sim;
     Words args = simArgs;
     args.push_back("--trace");
     EXPECT_TRUE(SimStart(sim, args, "", true));
-    for (std::size_t i = 0; i < runs.size(); ++i) {
-        Words withPath = {"--pipepath", sim.Dir};
-        withPath.insert(withPath.end(), runs[i].begin(), runs[i].end());
-        outcomes[i].Run = RunScalerctl(withPath);
-    }
+    Words withPath = {"--pipepath", sim.Dir};
+    withPath.insert(withPath.end(), toolArgs.begin(), toolArgs.end());
+    o.Run = RunScalerctl(withPath);
     EXPECT_TRUE(SimStop(sim));
-    if (!outcomes.empty())
-        outcomes.back().Requests = requestsOf(sim.Err);
-    return outcomes;
-}
-
-// One run of scalerctl with `toolArgs` against a simulator of its own.
-Outcome runWithSim(const Words &toolArgs, const Words &simArgs = {}) {
-    return runSession({toolArgs}, simArgs).front();
+    o.Requests = requestsOf(sim.Err);
+    return o;
 }
 
 const std::string sixNone = "ffff,ffff,ffff,ffff,ffff,ffff";
@@ -104,6 +95,18 @@ TEST(ScalerctlRun, EachRunPrintsAndSendsItsRequestsInOrder) {
     const std::string reset0 = "scalerctl: reset command returned 0\n";
     const Words setMode0     = {"op=0x05 words=0000", "op=0x25 words=0000", "op=0x03 words=-"};
     const Words poll         = {"op=0x03 words=-"};
+    // A cable change: set cable, the gains of the cable's key for the device
+    // with the opcode of the system cable (none where the device has no row),
+    // then the aspect ratio and the poll of the output.
+    const auto cable = [](const std::string &payload, const std::string &gains) {
+        Words requests = {"op=0x04 words=" + payload};
+        if (!gains.empty())
+            requests.push_back(gains);
+        requests.insert(requests.end(), {"op=0x25 words=0000", "op=0x03 words=-"});
+        return requests;
+    };
+    const std::string vga   = "op=0x2d words=0052,0054,0052,007f,007b,007a";
+    const std::string comp1 = "op=0x2c words=0043,0040,0042,ffff,ffff,ffff";
     // clang-format off
     const RunRow rows[] = {
         {{}, {"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-Q"}, report720p60, 0,
@@ -126,6 +129,16 @@ TEST(ScalerctlRun, EachRunPrintsAndSendsItsRequestsInOrder) {
          {setMode0[0], setMode0[1], poll[0], poll[0], poll[0], poll[0]}},
         {{"--fault", "never"}, {"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-g", "-Q"},
          "scalerctl: set cable command returned -35\n", 1, {"op=0x04 words=0002"}},
+        {{}, {"-d", "0", "-i", "2", "-c", "S_VIDEO"}, "", 0, cable("0002", "op=0x2c words=" + sixNone)},
+        {{}, {"-d", "0", "-i", "2", "-c", "component"}, "", 0,
+         cable("0006", "op=0x2c words=0043,003f,0040,ffff,ffff,ffff")},
+        {{}, {"-d", "1", "-i", "2", "-c", "Component_YPbPr"}, "", 0, cable("0006", comp1)},
+        {{}, {"-d", "1", "-i", "2", "-c", "vga"}, "", 0, cable("0000", "")},
+        {{}, {"-d", "2", "-i", "3", "-c", "svideo"}, "", 0, cable("0004", "")},
+        {{}, {"-d", "2", "-i", "4", "-c", "dvi-a"}, "", 0, cable("0005", vga)},
+        {{}, {"-d", "2", "-i", "4", "-c", "DVI"}, "", 0, cable("0005", "op=0x2c" + vga.substr(7))},
+        {{}, {"-x", "elm", "-d", "2", "-i", "4", "-c", "vga"}, "", 0, cable("0005", vga)},
+        {{}, {"-x", "rowan_int", "-d", "1", "-i", "3", "-c", "component"}, "", 0, cable("0006", comp1)},
         // A later --pipepath wins: a refused command line ends before the link, whose causes go to
         // the system log, never to the terminal.
         {{}, {"-p", "/nonexistent", "-d", "3", "-i", "4", "-c", "dvi-d"},
@@ -143,49 +156,6 @@ TEST(ScalerctlRun, EachRunPrintsAndSendsItsRequestsInOrder) {
         EXPECT_EQ(o.Run.Err, "") << what;
         EXPECT_EQ(o.Requests, row.Requests) << what;
     }
-}
-
-// ---- cables and their gains ----------------------------------------------------------
-
-struct CableRow {
-    Words Args;
-    std::string SetCable; // payload of the set cable request
-    std::string Gains;    // the gain request, "" for none
-};
-
-// The gains of the cable's key for the device, with the opcode of the system
-// cable; none where the device has no row.
-TEST(ScalerctlCable, SetCableThenItsGainsOnOneSimulator) {
-    const std::string vga = "0052,0054,0052,007f,007b,007a";
-    // clang-format off
-    const CableRow rows[] = {
-        {{"-d", "0", "-i", "2", "-c", "S_VIDEO"},         "0002", "op=0x2c words=" + sixNone},
-        {{"-d", "0", "-i", "2", "-c", "component"},       "0006", "op=0x2c words=0043,003f,0040,ffff,ffff,ffff"},
-        {{"-d", "1", "-i", "2", "-c", "Component_YPbPr"}, "0006", "op=0x2c words=0043,0040,0042,ffff,ffff,ffff"},
-        {{"-d", "1", "-i", "2", "-c", "vga"},             "0000", ""},
-        {{"-d", "2", "-i", "3", "-c", "svideo"},          "0004", ""},
-        {{"-d", "2", "-i", "4", "-c", "dvi-a"},           "0005", "op=0x2d words=" + vga},
-        {{"-d", "2", "-i", "4", "-c", "DVI"},             "0005", "op=0x2c words=" + vga},
-        {{"-x", "elm", "-d", "2", "-i", "4", "-c", "vga"}, "0005", "op=0x2d words=" + vga},
-        {{"-x", "rowan_int", "-d", "1", "-i", "3", "-c", "component"},
-                                                          "0006", "op=0x2c words=0043,0040,0042,ffff,ffff,ffff"},
-    };
-    // clang-format on
-    std::vector<Words> runs;
-    Words expected;
-    for (const CableRow &row : rows) {
-        runs.push_back(row.Args);
-        expected.push_back("op=0x04 words=" + row.SetCable);
-        if (!row.Gains.empty())
-            expected.push_back(row.Gains);
-        expected.insert(expected.end(), {"op=0x25 words=0000", "op=0x03 words=-"});
-    }
-    const std::vector<Outcome> o = runSession(runs);
-    for (std::size_t i = 0; i < o.size(); ++i) {
-        EXPECT_EQ(o[i].Run.Out, "") << rows[i].Args.back();
-        EXPECT_EQ(o[i].Run.ExitStatus, 0) << rows[i].Args.back();
-    }
-    EXPECT_EQ(o.back().Requests, expected);
 }
 
 // ---- failures of the daemon as the tool sees them --------------------------------------
