@@ -74,16 +74,6 @@ TEST_F(Link, WriteWithNoReaderIsMinus17AndNoSignal) {
 
 // ---- receiving ------------------------------------------------------------
 
-struct WaitingCase {
-    const char *what;
-    std::vector<uint8_t> bytes; // in the pipe before the call
-    uint32_t timeoutMs;
-    int result;
-    uint8_t length;   // of the message after the call
-    uint16_t word0;   // its first payload word, 0x5555 before
-    int pendingAfter; // bytes left in the pipe
-};
-
 // A reply with Size 2 leaves the payload as it was; a timeout of 0 ends the
 // call before the first read; of two packets read at once the first is taken
 // and the second dropped.
@@ -92,23 +82,25 @@ TEST_F(Link, WhatTheCallTakesFromWhatWaits) {
     const std::vector<uint8_t> second = packetOf(0x23, {8}, PW_INTERFACE_CMD);
     two.insert(two.end(), second.begin(), second.end());
     // clang-format off
-    const WaitingCase cases[] = {
+    // What waits, the bytes in the pipe before the call, the timeout; the result, the message's
+    // Length and first word (0x5555 before) and the bytes left in the pipe after it
+    const std::tuple<const char *, std::vector<uint8_t>, uint32_t, int, uint8_t, uint16_t, int> cases[] = {
         {"Size 2",         packetOf(4, {}, PW_INTERFACE_CMD), 1000, PW_OK,          0, 0x5555, 0},
         {"timeout 0",      packetOf(1, {}, PW_INTERFACE_CMD), 0,    PW_ERR_TIMEOUT, 0, 0x5555, 8},
         {"two in one read", two,                             1000, PW_OK,          2, 7,      0},
     };
     // clang-format on
-    for (const WaitingCase &c : cases) {
-        daemon.send(c.bytes);
+    for (const auto &[what, bytes, timeoutMs, result, length, word0, pendingAfter] : cases) {
+        daemon.send(bytes);
         PWMsg msg{};
         msg.Length     = 2;
         msg.Payload[0] = 0x5555;
-        EXPECT_EQ(PWReceiveMsg(handle, c.timeoutMs, &msg), c.result) << c.what;
-        EXPECT_EQ(msg.Length, c.length) << c.what;
-        EXPECT_EQ(msg.Payload[0], c.word0) << c.what;
-        EXPECT_EQ(daemon.pending(), c.pendingAfter) << c.what;
+        EXPECT_EQ(PWReceiveMsg(handle, timeoutMs, &msg), result) << what;
+        EXPECT_EQ(msg.Length, length) << what;
+        EXPECT_EQ(msg.Payload[0], word0) << what;
+        EXPECT_EQ(daemon.pending(), pendingAfter) << what;
         std::vector<Report> seen = reports.take();
-        EXPECT_EQ(seen.size(), c.result == PW_OK ? 0u : 1u) << c.what;
+        EXPECT_EQ(seen.size(), result == PW_OK ? 0u : 1u) << what;
         daemon.received();
         PWDrainPipe(handle->ReadFd, reinterpret_cast<uint8_t *>(&msg), sizeof msg);
     }
@@ -130,12 +122,6 @@ TEST_F(Link, PacketInTwoPiecesIsPutTogether) {
     EXPECT_TRUE(reports.take().empty());
 }
 
-struct BadPacketCase {
-    const char *what;
-    std::vector<uint8_t> bytes;
-    std::vector<Report> reports; // before the timeout report
-};
-
 // Bytes that hold no valid packet: at most one report, the pipe emptied, the
 // call runs to its deadline, and the handle still serves the next reply.
 TEST_F(Link, BadPacketsAreReportedOnceAndEndInTimeout) {
@@ -151,7 +137,8 @@ TEST_F(Link, BadPacketsAreReportedOnceAndEndInTimeout) {
             {LOG_WARNING, std::string("PWApi: chip = 0, invalid packet header = ") + word + "\n"}};
     };
     // clang-format off
-    const BadPacketCase cases[] = {
+    // What is sent, its bytes, and the reports before the timeout's
+    const std::tuple<const char *, std::vector<uint8_t>, std::vector<Report>> cases[] = {
         {"wrong first bytes",            {0x12, 0x34, 0, 0, 0, 0, 0, 0},     header("0x1234")},
         {"one wrong byte alone",         {0x12},                             header("0x1200")},
         {"wrong second byte",            {0xBE, 0x00},                       header("0xbe00")},
@@ -162,19 +149,19 @@ TEST_F(Link, BadPacketsAreReportedOnceAndEndInTimeout) {
         {"other interface flood",        flood,                              {}},
     };
     // clang-format on
-    for (const BadPacketCase &c : cases) {
-        daemon.send(c.bytes);
+    for (const auto &[what, bytes, before] : cases) {
+        daemon.send(bytes);
         PWMsg msg{};
-        EXPECT_EQ(PWReceiveMsg(handle, 30, &msg), PW_ERR_TIMEOUT) << c.what;
+        EXPECT_EQ(PWReceiveMsg(handle, 30, &msg), PW_ERR_TIMEOUT) << what;
         std::vector<Report> seen = reports.take();
-        ASSERT_EQ(seen.size(), c.reports.size() + 1) << c.what;
-        for (std::size_t i = 0; i < c.reports.size(); ++i)
-            EXPECT_EQ(seen[i], c.reports[i]) << c.what;
-        EXPECT_TRUE(isTimeoutReport(seen.back(), 0)) << c.what;
-        ASSERT_EQ(daemon.pending(), 0) << c.what << ": pipe not emptied";
+        ASSERT_EQ(seen.size(), before.size() + 1) << what;
+        for (std::size_t i = 0; i < before.size(); ++i)
+            EXPECT_EQ(seen[i], before[i]) << what;
+        EXPECT_TRUE(isTimeoutReport(seen.back(), 0)) << what;
+        ASSERT_EQ(daemon.pending(), 0) << what << ": pipe not emptied";
         daemon.send(packetOf(1, {}, PW_INTERFACE_CMD));
-        EXPECT_EQ(PWReceiveMsg(handle, 1000, &msg), PW_OK) << c.what;
-        EXPECT_TRUE(reports.take().empty()) << c.what;
+        EXPECT_EQ(PWReceiveMsg(handle, 1000, &msg), PW_OK) << what;
+        EXPECT_TRUE(reports.take().empty()) << what;
     }
 }
 
@@ -248,30 +235,23 @@ uint32_t nearWrapCounter() {
     return 0xFFFFFFF0u;
 }
 
-struct ClockCase {
-    const char *what;
-    ClockStart (*start)();
-    bool packetWaiting;
-    int expected;
-};
-
 TEST_F(Link, DeadlineOfAClockThatCannotBeReadOrWraps) {
     // clang-format off
     // A clock (reading 0xFFFFFFF0 once started), whether a packet waits, what a receive of 100 ms returns
-    const ClockCase cases[] = {
+    const std::tuple<const char *, ClockStart (*)(), bool, int> cases[] = {
         {"unreadable clock: the deadline never passes",   failingStart, true,  PW_OK},
         {"unreadable clock: select's own wait ends it",   failingStart, false, PW_ERR_TIMEOUT},
         {"deadline past the wrap: ends early, plainly",   goodStart,    true,  PW_ERR_TIMEOUT},
     };
     // clang-format on
     const ClockSource &host = ClockPlatformSource();
-    for (const ClockCase &c : cases) {
-        const ClockSource source{c.start, nearWrapCounter, host.timeBaseUpper, host.timeBaseLower};
+    for (const auto &[what, start, packetWaiting, expected] : cases) {
+        const ClockSource source{start, nearWrapCounter, host.timeBaseUpper, host.timeBaseLower};
         ClockSourceSet(&source);
-        if (c.packetWaiting)
+        if (packetWaiting)
             daemon.send(packetOf(1, {}, PW_INTERFACE_CMD));
         PWMsg msg{};
-        EXPECT_EQ(PWReceiveMsg(handle, 100, &msg), c.expected) << c.what;
+        EXPECT_EQ(PWReceiveMsg(handle, 100, &msg), expected) << what;
         ClockSourceSet(nullptr);
     }
 }
@@ -331,12 +311,6 @@ TEST_F(Link, ThePairIsHeldUntilReleased) {
     EXPECT_NE(handle, nullptr) << "free again once the other holder has gone";
 }
 
-struct OpenRefusal {
-    int chip;
-    int interface;
-    Report report;
-};
-
 // Each refused open reports once and leaves no descriptor open; the handles
 // already open stay good.
 TEST_F(Link, RefusedOpensSayWhy) {
@@ -357,7 +331,7 @@ TEST_F(Link, RefusedOpensSayWhy) {
     ASSERT_EQ(close(open(file.c_str(), O_WRONLY | O_CREAT, 0600)), 0);
     // clang-format off
     // Chip and interface of the open, and its report
-    const OpenRefusal refusals[] = {
+    const std::tuple<int, int, Report> refusals[] = {
         {3,   PW_INTERFACE_CMD,  {LOG_ERR,  "PWApi: invalid PW chip 3.\n"}},
         {-1,  PW_INTERFACE_DIAG, {LOG_ERR,  "PWApi: invalid PW chip -1.\n"}},
         {0,   PW_INTERFACE_CMD,  {LOG_ERR,  "PWApi: Cmd interface for PW chip 0 already in use\n"}},
@@ -368,11 +342,11 @@ TEST_F(Link, RefusedOpensSayWhy) {
         {1,   PW_INTERFACE_DIAG, {LOG_CRIT, "PWApi: pipe " + file + " open err: not a named pipe"}},
     };
     // clang-format on
-    for (const OpenRefusal &r : refusals) {
+    for (const auto &[chip, interface, report] : refusals) {
         long before = openDescriptors();
-        EXPECT_EQ(PWOpenHandle(r.chip, r.interface), nullptr) << r.report.text;
-        EXPECT_EQ(openDescriptors(), before) << r.report.text;
-        EXPECT_EQ(reports.take(), std::vector<Report>{r.report});
+        EXPECT_EQ(PWOpenHandle(chip, interface), nullptr) << report.text;
+        EXPECT_EQ(openDescriptors(), before) << report.text;
+        EXPECT_EQ(reports.take(), std::vector<Report>{report});
     }
     // Put the folder back for the other tests; the handles already open still serve.
     for (const std::string &path : {device, file})

@@ -72,19 +72,11 @@ TEST(PWPacket, TypeByteIsNotLookedAtOnReceipt) {
     EXPECT_EQ(PWPacketScan(b.data(), b.size(), PW_INTERFACE_CMD), PWScan::good);
 }
 
-// What each prefix or alteration of a good Set cable packet amounts to.
-struct ScanCase {
-    const char *what;
-    std::size_t held; // bytes of the (altered) packet received
-    int offset;       // byte to change, -1 for none
-    uint8_t value;    // its new value
-    int interface;    // the receiver's interface
-    PWScan expected;
-};
-
 TEST(PWPacket, ScanFollowsTheReceiversOrderOfTests) {
     // clang-format off
-    const ScanCase cases[] = {
+    // What the receiver holds: bytes of the packet held, a byte changed (-1: none) and its new
+    // value; the receiver's interface, and what the scan finds
+    const std::tuple<const char *, std::size_t, int, uint8_t, int, PWScan> cases[] = {
         {"nothing yet",                  0,  -1, 0,    PW_INTERFACE_CMD,  PWScan::incomplete},
         {"first sync byte only",         1,  -1, 0,    PW_INTERFACE_CMD,  PWScan::incomplete},
         {"header not complete",          7,  -1, 0,    PW_INTERFACE_CMD,  PWScan::incomplete},
@@ -101,11 +93,11 @@ TEST(PWPacket, ScanFollowsTheReceiversOrderOfTests) {
         {"Size larger than held",        10, 5,  0x10, PW_INTERFACE_CMD,  PWScan::incomplete},
     };
     // clang-format on
-    for (const ScanCase &c : cases) {
+    for (const auto &[what, held, offset, value, interface, expected] : cases) {
         Bytes b = examplePackets[2].bytes;
-        if (c.offset >= 0)
-            b[static_cast<std::size_t>(c.offset)] = c.value;
-        EXPECT_EQ(PWPacketScan(b.data(), c.held, c.interface), c.expected) << c.what;
+        if (offset >= 0)
+            b[static_cast<std::size_t>(offset)] = value;
+        EXPECT_EQ(PWPacketScan(b.data(), held, interface), expected) << what;
     }
 }
 

@@ -77,14 +77,6 @@ const std::string openFailed   = "scalerctl: open command failed\n";
 
 // ---- the run as a whole ------------------------------------------------------
 
-struct RunRow {
-    Words SimArgs;
-    Words ToolArgs;
-    std::string Out;
-    int Exit;
-    Words Requests; // in order
-};
-
 // Each run against a simulator of its own: what it prints, its exit status
 // and the requests it sends, in the fixed order of the actions. Reset ends
 // the run, whatever else the command line asks (the parser checked it); the
@@ -108,7 +100,8 @@ TEST(ScalerctlRun, EachRunPrintsAndSendsItsRequestsInOrder) {
     const std::string vga   = "op=0x2d words=0052,0054,0052,007f,007b,007a";
     const std::string comp1 = "op=0x2c words=0043,0040,0042,ffff,ffff,ffff";
     // clang-format off
-    const RunRow rows[] = {
+    // Simulator arguments, tool arguments; what the run prints, its exit status, its requests
+    const std::tuple<Words, Words, std::string, int, Words> rows[] = {
         {{}, {"-d", "0", "-i", "1", "-c", "svideo", "-m", "720p60", "-Q"}, report720p60, 0,
          {"op=0x04 words=0002", "op=0x2c words=" + sixNone, setMode0[0], setMode0[1], setMode0[2]}},
         {{}, {"-d", "1", "--reset"}, reset0, 0, {"op=0x01 words=-"}},
@@ -148,25 +141,17 @@ TEST(ScalerctlRun, EachRunPrintsAndSendsItsRequestsInOrder) {
         {{}, {"-p", "/nonexistent", "-d", "0", "-r"}, openFailed, 1, {}},
     };
     // clang-format on
-    for (const RunRow &row : rows) {
-        const Outcome o        = runWithSim(row.ToolArgs, row.SimArgs);
-        const std::string what = testing::PrintToString(row.ToolArgs);
-        EXPECT_EQ(o.Run.Out, row.Out) << what;
-        EXPECT_EQ(o.Run.ExitStatus, row.Exit) << what;
+    for (const auto &[simArgs, toolArgs, out, status, requests] : rows) {
+        const Outcome o        = runWithSim(toolArgs, simArgs);
+        const std::string what = testing::PrintToString(toolArgs);
+        EXPECT_EQ(o.Run.Out, out) << what;
+        EXPECT_EQ(o.Run.ExitStatus, status) << what;
         EXPECT_EQ(o.Run.Err, "") << what;
-        EXPECT_EQ(o.Requests, row.Requests) << what;
+        EXPECT_EQ(o.Requests, requests) << what;
     }
 }
 
 // ---- failures of the daemon as the tool sees them --------------------------------------
-
-struct FaultRow {
-    Words SimArgs;
-    Words ToolArgs;
-    std::string Out;
-    int Exit;
-    long Polls; // query output requests, -1: not counted
-};
 
 // A request without a reply in time ends the run with its message; a late or
 // split reply within the second does not. After 25 polls without a status
@@ -178,7 +163,9 @@ TEST(ScalerctlFaults, EachFaultOfTheSimulator) {
     const Words never  = {"--fault", "status0=100"};
     const Words frozen = {"--fault", "status0=100", "--fault", "frozen"};
     // clang-format off
-    const FaultRow rows[] = {
+    // Simulator arguments, tool arguments; what the run prints, its exit status, and its query
+    // output requests (-1: not counted)
+    const std::tuple<Words, Words, std::string, int, long> rows[] = {
         {{"--fault", "never"},     cable,             "scalerctl: set cable command returned -35\n",        1, -1},
         {{"--fault", "garbage"},   {"-d", "0", "-q"}, "scalerctl: query input mode command returned -35\n", 1, -1},
         {{"--fault", "late=1500"}, {"-d", "0", "-m", "576p"},
@@ -195,15 +182,15 @@ TEST(ScalerctlFaults, EachFaultOfTheSimulator) {
                                                       timeoutLine,                                          0, 25},
     };
     // clang-format on
-    for (const FaultRow &row : rows) {
-        Outcome o              = runWithSim(row.ToolArgs, row.SimArgs);
-        const std::string what = row.SimArgs.back() + " " + row.ToolArgs.back();
-        EXPECT_EQ(o.Run.Out, row.Out) << what;
-        EXPECT_EQ(o.Run.ExitStatus, row.Exit) << what;
+    for (const auto &[simArgs, toolArgs, out, status, polls] : rows) {
+        Outcome o              = runWithSim(toolArgs, simArgs);
+        const std::string what = simArgs.back() + " " + toolArgs.back();
+        EXPECT_EQ(o.Run.Out, out) << what;
+        EXPECT_EQ(o.Run.ExitStatus, status) << what;
         EXPECT_EQ(o.Run.Err, "") << what;
         EXPECT_FALSE(o.Requests.empty()) << what;
-        const long polls = std::count(o.Requests.begin(), o.Requests.end(), "op=0x03 words=-");
-        EXPECT_TRUE(row.Polls < 0 || polls == row.Polls) << what << ": " << polls << " polls";
+        const long sent = std::count(o.Requests.begin(), o.Requests.end(), "op=0x03 words=-");
+        EXPECT_TRUE(polls < 0 || sent == polls) << what << ": " << sent << " polls";
     }
 }
 

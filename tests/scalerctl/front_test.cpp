@@ -48,11 +48,6 @@ std::string shown(const Words &args) {
     return text;
 }
 
-struct Refusal {
-    Words Args;
-    std::string Out;
-};
-
 // The first failure ends the parse, whatever stands behind it.
 TEST(ScalerctlParser, RefusalsAndTheirOrder) {
     const std::string device = "scalerctl: --device must be in the range 0 - 2\n";
@@ -60,7 +55,7 @@ TEST(ScalerctlParser, RefusalsAndTheirOrder) {
     const std::string combo =
         "scalerctl: unsupported combination of camera, cable, and PixelWorks\n";
     // clang-format off
-    const Refusal rows[] = {
+    const std::tuple<Words, std::string> rows[] = {
         {{"-d", "3", "-r"},                       device},
         {{"-d", "9", "-h"},                       device},
         {{"-d", "-1", "-r"},                      device},
@@ -93,10 +88,10 @@ TEST(ScalerctlParser, RefusalsAndTheirOrder) {
         {{"-d", "0", "-r", "-v"},                 "scalerctl version 0.1\n"},
     };
     // clang-format on
-    for (const Refusal &row : rows) {
-        const Parsed p = parse(row.Args);
-        EXPECT_EQ(p.Result, -1) << shown(row.Args);
-        EXPECT_EQ(p.Out, row.Out) << shown(row.Args);
+    for (const auto &[args, out] : rows) {
+        const Parsed p = parse(args);
+        EXPECT_EQ(p.Result, -1) << shown(args);
+        EXPECT_EQ(p.Out, out) << shown(args);
     }
 }
 
@@ -116,16 +111,10 @@ TEST(ScalerctlParser, HelpIsTheWholeUsageTextAndEndsTheParse) {
     EXPECT_EQ(std::count(p.Out.begin(), p.Out.end(), '\n'), 51);
 }
 
-// What an accepted command line stores.
-struct Accepted {
-    Words Args;
-    int32_t DevIdx, CamIdx, PxwCable, PxwMode, FullFps;
-};
-
 TEST(ScalerctlParser, NumbersAtTheirLimitsAndTheStoredChoices) {
     // clang-format off
     // Arguments; DevIdx, CamIdx, PxwCable, PxwMode, FullFps
-    const Accepted rows[] = {
+    const std::tuple<Words, int32_t, int32_t, int32_t, int32_t, int32_t> rows[] = {
         {{"-d", "2", "-r"},                                2, -1, 7, -1, 0},
         {{"-d", "0x2", "-r"},                              2, -1, 7, -1, 0},
         {{"-d", "02", "-r"},                               2, -1, 7, -1, 0},
@@ -143,29 +132,23 @@ TEST(ScalerctlParser, NumbersAtTheirLimitsAndTheStoredChoices) {
                                                            0, 1,  0, -1, 0}, // the last cable counts
     };
     // clang-format on
-    for (const Accepted &row : rows) {
-        const Parsed p = parse(row.Args);
-        ASSERT_EQ(p.Result, 0) << shown(row.Args) << p.Out;
+    for (const auto &[args, devIdx, camIdx, pxwCable, pxwMode, fullFps] : rows) {
+        const Parsed p = parse(args);
+        ASSERT_EQ(p.Result, 0) << shown(args) << p.Out;
         EXPECT_EQ(p.Out, "");
-        EXPECT_EQ(
-            std::vector<int32_t>(
-                {p.Opts.DevIdx, p.Opts.CamIdx, p.Opts.PxwCable, p.Opts.PxwMode, p.Opts.FullFps}),
-            std::vector<int32_t>({row.DevIdx, row.CamIdx, row.PxwCable, row.PxwMode, row.FullFps}))
-            << shown(row.Args);
+        EXPECT_EQ(std::vector<int32_t>({p.Opts.DevIdx, p.Opts.CamIdx, p.Opts.PxwCable,
+                                        p.Opts.PxwMode, p.Opts.FullFps}),
+                  std::vector<int32_t>({devIdx, camIdx, pxwCable, pxwMode, fullFps}))
+            << shown(args);
     }
 }
-
-struct Route {
-    int32_t SysType, DevIdx;
-    std::vector<int32_t> PxwCables; // cameras 1 to 4 by system cable 0 to 4, -1: refused
-};
 
 // Every camera and every system cable on every device of the three types
 // with route lists (a type without lists is refused by the parser test).
 TEST(ScalerctlWordTables, CableRoutesByTypeDeviceCameraAndCable) {
     // clang-format off
     // Type, device; camera 1: composite, svideo, component, dvi-a, dvi-d; camera 2: ...
-    const Route routes[] = {
+    const std::tuple<int32_t, int32_t, std::vector<int32_t>> routes[] = {
         {18, 0, {1, 2, 6, 0, -1,  1, 2, 6, -1, -1,  -1, -1, -1, -1, -1,  -1, -1, -1, -1, -1}},
         {18, 1, {1, 2, 6, -1, -1, 1, 2, 6, 0, -1,   3, 4, -1, -1, -1,    -1, -1, -1, -1, -1}},
         {18, 2, {-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 3, 4, -1, -1, -1, -1, -1, -1, 5, 5}},
@@ -176,22 +159,21 @@ TEST(ScalerctlWordTables, CableRoutesByTypeDeviceCameraAndCable) {
         {23, 2, {-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 5, 5}},
     };
     // clang-format on
-    for (const Route &route : routes) {
+    for (const auto &[sysType, devIdx, pxwCables] : routes) {
         for (int32_t camera = 1; camera <= 4; ++camera) {
             for (int32_t cable = 0; cable <= 4; ++cable) {
                 UserOpts o = jDefaultUserOpts();
-                o.SysType  = route.SysType;
-                o.DevIdx   = route.DevIdx;
+                o.SysType  = sysType;
+                o.DevIdx   = devIdx;
                 o.CamIdx   = camera;
                 o.SysCable = cable;
                 testing::internal::CaptureStdout();
                 const int result      = jSysCableToPxwCable(&o);
                 const std::string out = testing::internal::GetCapturedStdout();
-                const int32_t want =
-                    route.PxwCables[static_cast<std::size_t>((camera - 1) * 5 + cable)];
+                const int32_t want = pxwCables[static_cast<std::size_t>((camera - 1) * 5 + cable)];
                 EXPECT_EQ(result == 0 ? o.PxwCable : -1, want)
-                    << "type " << route.SysType << " device " << route.DevIdx << " camera "
-                    << camera << " cable " << cable << ": " << out;
+                    << "type " << sysType << " device " << devIdx << " camera " << camera
+                    << " cable " << cable << ": " << out;
             }
         }
     }
