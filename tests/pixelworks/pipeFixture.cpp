@@ -24,12 +24,6 @@ void catchReport(int priority, const char *text) {
     reports.push_back({priority, text});
 }
 
-void closeFd(int &fd) {
-    if (fd >= 0)
-        close(fd);
-    fd = -1;
-}
-
 } // namespace
 
 PipeFolder::PipeFolder(std::size_t length) {
@@ -64,12 +58,10 @@ DaemonEnds::~DaemonEnds() {
     closeFromClient();
 }
 
-void DaemonEnds::closeToClient() {
-    closeFd(toClient);
-}
-
-void DaemonEnds::closeFromClient() {
-    closeFd(fromClient);
+void DaemonEnds::closeFd(int &fd) {
+    if (fd >= 0)
+        close(fd);
+    fd = -1;
 }
 
 void DaemonEnds::send(const std::vector<uint8_t> &bytes) const {

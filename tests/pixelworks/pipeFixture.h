@@ -28,8 +28,9 @@ struct DaemonEnds {
     int toClient = -1, fromClient = -1;
     DaemonEnds(const PipeFolder &folder, int chip, int interface);
     ~DaemonEnds();
-    void closeToClient();
-    void closeFromClient();
+    void closeToClient() { closeFd(toClient); }
+    void closeFromClient() { closeFd(fromClient); }
+    static void closeFd(int &fd);
     void send(const std::vector<uint8_t> &bytes) const;
     int pending() const;                   // bytes waiting in the client's read pipe
     void awaitDrained() const;             // until the client has taken them all
