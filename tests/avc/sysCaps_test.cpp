@@ -62,8 +62,6 @@ class SysCapsTest : public ::testing::Test {
     int32_t savedType_ = SysTypeGet();
 };
 
-// ---- Invariants across the sets ----
-
 // All sets share category 4, and no other table is shared but by 16 and 17 (which share a whole
 // set, see SetChangesTheRowInPlace); a key belongs to one category in a set.
 TEST_F(SysCapsTest, TablesAreSharedOnlyWhereTheModelsShareThem) {
@@ -140,8 +138,6 @@ TEST_F(SysCapsTest, ConnRateBlockByRateAndFlags) {
     EXPECT_EQ(Get(SYS_CAPS_COMM, "connRate", 7), 1024);
 }
 
-// ---- First access and selection ----
-
 TEST_F(SysCapsTest, ATypeWithoutTablesStopsTheProcess) {
     // The "fast" style forks without exec, which also works under the PowerPC emulator.
     GTEST_FLAG_SET(death_test_style, "fast");
@@ -165,8 +161,6 @@ TEST_F(SysCapsTest, TheFirstAccessSelectsOnceWhateverFollows) {
     EXPECT_EQ(Get(SYS_CAPS_VIDEO, "MainDspType"), 2);   // elm's value, from the set of 22
     EXPECT_EQ(Get(SYS_CAPS_VIDEO, "HdamBoardType"), 1); // "none"
 }
-
-// ---- The board step ----
 
 TEST_F(SysCapsTest, BoardStepChangesOnlyItsRowsOfCategoryZero) {
     const Snapshot::key_type boardType{SYS_CAPS_VIDEO, "HdamBoardType", 0};
@@ -224,8 +218,6 @@ TEST_F(SysCapsTest, ApplyBlockSkipsRowsWithoutAMatch) {
     EXPECT_EQ(Take(21), expected);
 }
 
-// ---- Lookups ----
-
 TEST_F(SysCapsTest, GetAnswersTheValueAndPrintsIt) {
     Select(18, nullptr);
     char text[SYS_CAPS_TEXT_SIZE] = "untouched";
@@ -234,15 +226,18 @@ TEST_F(SysCapsTest, GetAnswersTheValueAndPrintsIt) {
     EXPECT_EQ(SysCapsGet(SYS_CAPS_HARDWARE, "HwCtrlFpgaFrameBufBaseAddr", 0, text), 0);
     EXPECT_STREQ(text, " 0 "); // a row of value 0 prints
 
-    std::strcpy(text, "untouched");
     // Keys are whole and case-sensitive, within the category and index asked for.
-    for (const auto &[key, index] :
-         {std::pair{"hwfamily", 0}, {"HwFamily", 1}, {"HwFam", 0}, {"CompGains", 0}, {"", 0}}) {
-        EXPECT_EQ(SysCapsGet(SYS_CAPS_HARDWARE, key, index, text), 0) << key;
-    }
-    EXPECT_EQ(SysCapsGet(SYS_CAPS_HARDWARE, nullptr, 0, text), 0);
+    std::strcpy(text, "untouched");
+    for (const auto &[category, key, index] :
+         {std::tuple<uint32_t, const char *, int32_t>{SYS_CAPS_HARDWARE, "hwfamily", 0},
+          {SYS_CAPS_HARDWARE, "HwFamily", 1},
+          {SYS_CAPS_HARDWARE, "HwFam", 0},
+          {SYS_CAPS_HARDWARE, "CompGains", 0},
+          {SYS_CAPS_HARDWARE, "", 0},
+          {SYS_CAPS_HARDWARE, nullptr, 0},
+          {5, "HwFamily", 0}})
+        EXPECT_EQ(SysCapsGet(category, key, index, text), 0) << (key ? key : "(null)");
     EXPECT_EQ(SysCapsFind("HwFamily", 0, nullptr), nullptr);
-    EXPECT_EQ(SysCapsGet(5, "HwFamily", 0, text), 0);
     EXPECT_STREQ(text, "untouched");
 
     const SysCapsWord rev = SysCapsGet(SYS_CAPS_CAT4, "amxRevision", 0, text);

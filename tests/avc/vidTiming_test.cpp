@@ -198,7 +198,6 @@ TEST(VidTimingTables, EveryReachableIdHasARecordOrDeliberatelyNone) {
         EXPECT_EQ(ids.count(t.FormatId), 1u) << t.FormatId << " has a record and no name";
 }
 
-// ---- Lookups ----
 
 // A name answers in its own name space; a failure leaves the record alone.
 TEST(VidTimingByName, ModeAndSystemNameSpacesSplit) {
@@ -228,28 +227,24 @@ TEST(VidTimingByName, ModeAndSystemNameSpacesSplit) {
     }
 }
 
-// ---- Output stage ----
-
-struct Rates {
-    int32_t id;
-    uint32_t clock, pixelPs, lineHz, lineNs, frameMHz, frameUs;
-};
 
 TEST(VidTimingForOutput, ReducesFrameRateToThirty) {
-    const Rates cases[] = {
-        {43, 37125, 26936, 22500, 44444, 30000, 33333},
-        {52, 37088, 26962, 22477, 44487, 29969, 33365},
-        {58, 74250, 13468, 33750, 29629, 30000, 33332},
-        {29, 73125, 13676, 32645, 30634, 29977, 33360}, // 30 at the alias rate 50000
+    /* FormatId; PixelClockKHz, PixelPeriodPs, LineRateHz, LinePeriodNs, FrameRateMilliHz,
+       FramePeriodUs */
+    const std::pair<int32_t, std::vector<uint32_t>> cases[] = {
+        {43, {37125, 26936, 22500, 44444, 30000, 33333}},
+        {52, {37088, 26962, 22477, 44487, 29969, 33365}},
+        {58, {74250, 13468, 33750, 29629, 30000, 33332}},
+        {29, {73125, 13676, 32645, 30634, 29977, 33360}}, // 30 at the alias rate 50000
     };
-    for (const auto &c : cases) {
+    for (const auto &[id, rates] : cases) {
         VidTiming t{};
-        EXPECT_EQ(VidTimingForOutput(c.id, &t), 0) << c.id;
+        EXPECT_EQ(VidTimingForOutput(id, &t), 0) << id;
         const VidTiming m = Main(t.FormatId);
-        EXPECT_EQ(std::tie(t.PixelClockKHz, t.PixelPeriodPs, t.LineRateHz, t.LinePeriodNs,
-                           t.FrameRateMilliHz, t.FramePeriodUs),
-                  std::tie(c.clock, c.pixelPs, c.lineHz, c.lineNs, c.frameMHz, c.frameUs))
-            << c.id;
+        EXPECT_EQ(std::vector<uint32_t>({t.PixelClockKHz, t.PixelPeriodPs, t.LineRateHz,
+                                         t.LinePeriodNs, t.FrameRateMilliHz, t.FramePeriodUs}),
+                  rates)
+            << id;
         EXPECT_EQ(std::tie(t.HTotal, t.VTotal, t.HActive), std::tie(m.HTotal, m.VTotal, m.HActive));
     }
     VidTiming t{};
@@ -301,28 +296,24 @@ TEST(VidTimingLimitFrameRate, FactorByRate) {
     EXPECT_TRUE(Same(t, Main(58)));
 }
 
-// ---- Rate and clock ----
-
-struct Line {
-    int32_t id;
-    uint32_t rate, total, blank, front, lineHz, lineNs, frameMHz, frameUs;
-};
 
 TEST(VidTimingForRate, GrowsTheFrontPorch) {
-    const Line cases[] = {
-        {59, 29970, 1716, 996, 874, 15734, 63555, 29969, 33366},
-        {4, 25000, 1918, 1278, 1134, 13125, 76186, 25000, 39997},
-        {53, 50000, 1980, 700, 400, 37500, 26666, 50000, 19999},  // the line of 720p50
-        {28, 50000, 2685, 1005, 549, 54469, 18360, 50017, 19994}, // 30: the argument counts
+    /* FormatId, rate (mHz); HTotal, HBlank, HFrontPorch, LineRateHz, LinePeriodNs,
+       FrameRateMilliHz, FramePeriodUs */
+    const std::tuple<int32_t, uint32_t, std::vector<uint32_t>> cases[] = {
+        {59, 29970, {1716, 996, 874, 15734, 63555, 29969, 33366}},
+        {4, 25000, {1918, 1278, 1134, 13125, 76186, 25000, 39997}},
+        {53, 50000, {1980, 700, 400, 37500, 26666, 50000, 19999}},  // the line of 720p50
+        {28, 50000, {2685, 1005, 549, 54469, 18360, 50017, 19994}}, // 30: the argument counts
     };
-    for (const auto &c : cases) {
+    for (const auto &[id, rate, line] : cases) {
         VidTiming t{};
-        EXPECT_EQ(VidTimingForRate(c.id, c.rate, &t), 0) << c.id;
+        EXPECT_EQ(VidTimingForRate(id, rate, &t), 0) << id;
         const VidTiming m = Main(t.FormatId);
-        EXPECT_EQ(std::tie(t.HTotal, t.HBlank, t.HFrontPorch, t.LineRateHz, t.LinePeriodNs,
-                           t.FrameRateMilliHz, t.FramePeriodUs),
-                  std::tie(c.total, c.blank, c.front, c.lineHz, c.lineNs, c.frameMHz, c.frameUs))
-            << c.id;
+        EXPECT_EQ(std::vector<uint32_t>({t.HTotal, t.HBlank, t.HFrontPorch, t.LineRateHz,
+                                         t.LinePeriodNs, t.FrameRateMilliHz, t.FramePeriodUs}),
+                  line)
+            << id;
         EXPECT_EQ(std::tie(t.HSyncWidth, t.HBackPorch, t.PixelClockKHz),
                   std::tie(m.HSyncWidth, m.HBackPorch, m.PixelClockKHz));
     }
@@ -414,7 +405,6 @@ TEST(VidTimingForClock, LineFollowsTheClockWithAMarginOfThree) {
     EXPECT_TRUE(Same(t, Garbage()));
 }
 
-// ---- The 74250 kHz clock ----
 
 // Retimed with the format's totals; without totals, a format on its own 74250 kHz clock has its
 // fields merged, and a progressive one is handed out as it stands.

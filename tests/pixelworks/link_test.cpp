@@ -56,7 +56,6 @@ class Link : public testing::Test {
     PWHandle *handle = nullptr;
 };
 
-// ---- sending ------------------------------------------------------------
 
 TEST_F(Link, WriteWithNoReaderIsMinus17AndNoSignal) {
     daemon.closeFromClient(); // the daemon's reading end goes away
@@ -72,7 +71,6 @@ TEST_F(Link, WriteWithNoReaderIsMinus17AndNoSignal) {
               (std::vector<Report>{{LOG_WARNING, "PWApi: PW chip 0 write failure.\n"}}));
 }
 
-// ---- receiving ------------------------------------------------------------
 
 // A reply with Size 2 leaves the payload as it was; a timeout of 0 ends the
 // call before the first read; of two packets read at once the first is taken
@@ -223,7 +221,6 @@ TEST_F(Link, DaemonGoneWaitsOutTheDeadlineWithoutSpinning) {
     EXPECT_TRUE(isTimeoutReport(seen[0], 0));
 }
 
-// ---- the clock under the deadline ------------------------------------------
 
 ClockStart failingStart() {
     return ClockStart::openFailed;
@@ -256,7 +253,6 @@ TEST_F(Link, DeadlineOfAClockThatCannotBeReadOrWraps) {
     }
 }
 
-// ---- handles ---------------------------------------------------------------
 
 TEST_F(Link, StaleBytesAreDrainedAtOpen) {
     for (std::size_t stale : {1u, 99u, 100u, 101u, 200u, 4000u}) {

@@ -75,7 +75,6 @@ const std::string timeoutLine  = "scalerctl: timeout (check camera source)\n";
 const std::string mismatchLine = "scalerctl: output mode doesn't match request\n";
 const std::string openFailed   = "scalerctl: open command failed\n";
 
-// ---- the run as a whole ------------------------------------------------------
 
 // Each run against a simulator of its own: what it prints, its exit status
 // and the requests it sends, in the fixed order of the actions. Reset ends
@@ -151,7 +150,6 @@ TEST(ScalerctlRun, EachRunPrintsAndSendsItsRequestsInOrder) {
     }
 }
 
-// ---- failures of the daemon as the tool sees them --------------------------------------
 
 // A request without a reply in time ends the run with its message; a late or
 // split reply within the second does not. After 25 polls without a status
