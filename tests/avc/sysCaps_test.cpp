@@ -24,22 +24,21 @@ using Snapshot = std::map<std::tuple<uint32_t, std::string, int32_t>, std::strin
 // same behind.
 class SysCapsTest : public ::testing::Test {
   protected:
-    void SetUp() override { Fresh(); }
+    void SetUp() override { Select(0, nullptr, false); }
     void TearDown() override {
-        Fresh();
+        Select(0, nullptr, false);
         SysTypeSet(savedType_);
     }
-    static void Fresh() {
+    // Restores every row, forgets the selection and, with `access`, selects the set of `type` at
+    // a first access, with the board variable at `board` (nullptr: unset) during that access only.
+    static void Select(int32_t type, const char *board, bool access = true) {
         sysCaps::RestoreRowsForTest();
         sysCaps::ForgetSelectionForTest();
-    }
-    // Selects the set of `type` at a first access, with the board variable at `board` (nullptr:
-    // unset) during that access only.
-    static void Select(int32_t type, const char *board) {
-        Fresh();
         ScopedEnv env(SYS_HDAM_ENV_NAME, board);
-        SysTypeSet(type);
-        (void)SysCapsGet(SYS_CAPS_CAT4, "amxRevision", 0, nullptr);
+        if (access) {
+            SysTypeSet(type);
+            (void)SysCapsGet(SYS_CAPS_CAT4, "amxRevision", 0, nullptr);
+        }
     }
     static SysCapsWord Get(SysCapsCategory category, const char *key, int32_t index = 0) {
         return SysCapsGet(category, key, index, nullptr);

@@ -18,32 +18,12 @@
 
 namespace {
 
-bool Holds(const VidFormatList *list, int32_t id) {
-    return list != nullptr && std::count(list->Ids, list->Ids + list->Count, id) > 0;
-}
-
 // Sets the current system type for one test and puts the old one back.
 class VidFormatTyped : public ::testing::Test {
   protected:
     void TearDown() override { SysTypeSet(saved); }
     int32_t saved = SysTypeGet();
 };
-
-// Only a second list has the 1080-line formats at 50 and 60 Hz and 78, 79; list A alone has 61.
-TEST(VidFormatTables, AllowedListsDifferAsDescribed) {
-    std::set<const int32_t *> holding61;
-    for (const auto &row : vidFormat::VidFormatAllowedTable) {
-        for (int32_t id : {56, 57, 58, 78, 79}) {
-            EXPECT_FALSE(Holds(&row.First, id)) << row.Type << " " << id;
-            EXPECT_TRUE(Holds(&row.Second, id)) << row.Type << " " << id;
-        }
-        for (const VidFormatList *list : {&row.First, &row.Second}) {
-            if (Holds(list, 61))
-                holding61.insert(list->Ids);
-        }
-    }
-    EXPECT_EQ(holding61.size(), 1u);
-}
 
 // What a mode name says of its picture, read from the name alone.
 struct NameSays {

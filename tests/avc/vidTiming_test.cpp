@@ -12,6 +12,7 @@
 #include <cstring>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <tuple>
@@ -38,15 +39,6 @@ VidTiming Garbage() {
     return t;
 }
 
-// The row of `id` in a table, or nullptr.
-const VidTiming *Row(const VidTiming *table, int32_t id) {
-    for (; table->FormatId != 0; ++table) {
-        if (table->FormatId == id)
-            return table;
-    }
-    return nullptr;
-}
-
 std::vector<VidTiming> Rows(const VidTiming *table) {
     std::vector<VidTiming> rows;
     for (; table->FormatId != 0; ++table)
@@ -56,8 +48,11 @@ std::vector<VidTiming> Rows(const VidTiming *table) {
 
 // The marks agree with the mode names: WIDTHxHEIGHTatREFRESH rows are VESA-like, the television
 // rows of 720 and 1080 lines are HD video; interlaced are exactly ntsc, pal and the 1080i rows.
-TEST(VidTimingTables, MarksAgreeWithModeNames) {
+// Rows of one picture with the same sync widths are one timing family and share its sync
+// polarities; the published rows below pin the families that a standard names.
+TEST(VidTimingTables, MarksAgreeWithNamesAndAFamilyHasOneSyncPolarity) {
     std::set<int32_t> interlaced;
+    std::map<std::vector<uint32_t>, std::pair<uint32_t, uint32_t>> polarityOf;
     for (const VidTiming &t : Rows(VidTimingMainTable)) {
         const char *name = VidFormatNameOf(t.FormatId);
         ASSERT_NE(name, nullptr) << t.FormatId;
@@ -66,25 +61,15 @@ TEST(VidTimingTables, MarksAgreeWithModeNames) {
         const bool tv    = n.rfind("720p", 0) == 0 || n.rfind("1080", 0) == 0;
         EXPECT_EQ(t.IsVesaLike, sized ? 1u : 0u) << n;
         EXPECT_EQ(t.IsHdVideo, tv ? 1u : 0u) << n;
-        if (t.VActive2 != 0) {
+        EXPECT_EQ(t.VFieldMark != 0, t.VActive2 != 0) << n;
+        if (t.VActive2 != 0)
             interlaced.insert(t.FormatId);
-            EXPECT_NE(t.VFieldMark, 0u) << n;
-        }
-    }
-    EXPECT_EQ(interlaced, (std::set<int32_t>{1, 2, 73, 74, 78, 79}));
-}
-
-// Rows of one picture with the same sync widths are one timing family and share its sync
-// polarities; the published rows below pin the families that a standard names.
-TEST(VidTimingTables, OneFamilyOneSyncPolarity) {
-    std::map<std::vector<uint32_t>, std::pair<uint32_t, uint32_t>> polarityOf;
-    for (const VidTiming &t : Rows(VidTimingMainTable)) {
         const auto [it, fresh] = polarityOf.insert(
             {{t.HActive, t.VActive + t.VActive2, t.HSyncWidth, t.VSyncWidth, t.IsHdVideo},
              {t.HSyncPositive, t.VSyncPositive}});
-        EXPECT_TRUE(fresh || it->second == std::pair(t.HSyncPositive, t.VSyncPositive))
-            << VidFormatNameOf(t.FormatId);
+        EXPECT_TRUE(fresh || it->second == std::pair(t.HSyncPositive, t.VSyncPositive)) << n;
     }
+    EXPECT_EQ(interlaced, (std::set<int32_t>{1, 2, 73, 74, 78, 79}));
 }
 
 // Timings as the standards publish them: pixel clock (kHz), then active, front porch, sync and
@@ -198,7 +183,6 @@ TEST(VidTimingTables, EveryReachableIdHasARecordOrDeliberatelyNone) {
         EXPECT_EQ(ids.count(t.FormatId), 1u) << t.FormatId << " has a record and no name";
 }
 
-
 // A name answers in its own name space; a failure leaves the record alone.
 TEST(VidTimingByName, ModeAndSystemNameSpacesSplit) {
     // clang-format off
@@ -226,7 +210,6 @@ TEST(VidTimingByName, ModeAndSystemNameSpacesSplit) {
         }
     }
 }
-
 
 TEST(VidTimingForOutput, ReducesFrameRateToThirty) {
     /* FormatId; PixelClockKHz, PixelPeriodPs, LineRateHz, LinePeriodNs, FrameRateMilliHz,
@@ -257,22 +240,22 @@ TEST(VidTimingForOutput, ReducesFrameRateToThirty) {
 // or less; -1 when the clock stays above 80000 kHz or there is no record.
 TEST(VidTimingForOutput, HandsOutStoredRows) {
     // clang-format off
-    /* FormatId, Result, Record it holds (nullptr: left alone) */
-    const std::tuple<int32_t, int32_t, const VidTiming *> cases[] = {
-        {53,  0,   Row(VidTimingMainTable, 53)},
-        {62,  0,   Row(VidTimingMainTable, 53)},
-        {1,   0,   Row(VidTimingMainTable, 1)},   // 29 Hz: nothing to reduce
-        {35,  0,   &VidTimingOutputTable[0]},     // the 79200 kHz row
-        {33,  0,   &VidTimingOutputTable[0]},
-        {28,  -1,  Row(VidTimingMainTable, 30)},  // alias rates of 30 Hz or less: no division
-        {61,  -1,  nullptr},
-        {36,  -1,  nullptr},
+    /* FormatId, Result, Record it holds (none: left alone) */
+    const std::tuple<int32_t, int32_t, std::optional<VidTiming>> cases[] = {
+        {53,  0,   Main(53)},
+        {62,  0,   Main(53)},
+        {1,   0,   Main(1)},                   // 29 Hz: nothing to reduce
+        {35,  0,   VidTimingOutputTable[0]},   // the 79200 kHz row
+        {33,  0,   VidTimingOutputTable[0]},
+        {28,  -1,  Main(30)},                  // alias rates of 30 Hz or less: no division
+        {61,  -1,  std::nullopt},
+        {36,  -1,  std::nullopt},
     };
     // clang-format on
     for (const auto &[id, result, record] : cases) {
         VidTiming t = Garbage();
         EXPECT_EQ(VidTimingForOutput(id, &t), result) << id;
-        EXPECT_TRUE(Same(t, record != nullptr ? *record : Garbage())) << id;
+        EXPECT_TRUE(Same(t, record.value_or(Garbage()))) << id;
     }
 }
 
@@ -295,7 +278,6 @@ TEST(VidTimingLimitFrameRate, FactorByRate) {
     EXPECT_EQ(VidTimingLimitFrameRate(&t, 30000), -1);
     EXPECT_TRUE(Same(t, Main(58)));
 }
-
 
 TEST(VidTimingForRate, GrowsTheFrontPorch) {
     /* FormatId, rate (mHz); HTotal, HBlank, HFrontPorch, LineRateHz, LinePeriodNs,
@@ -404,7 +386,6 @@ TEST(VidTimingForClock, LineFollowsTheClockWithAMarginOfThree) {
     EXPECT_EQ(VidTimingForClock(61, 74250, &t), -1);
     EXPECT_TRUE(Same(t, Garbage()));
 }
-
 
 // Retimed with the format's totals; without totals, a format on its own 74250 kHz clock has its
 // fields merged, and a progressive one is handed out as it stands.

@@ -13,16 +13,13 @@ int main(void) {
     int32_t formatId = 0;
     uint32_t rate    = 1;
     VidTiming timing;
-    char text[SYS_CAPS_TEXT_SIZE] = "";
-
     SysTypeSet(SysTypeFromName("rowan"));
     if (PWSwap16(0x1234) != 0x3412 || ClockTickMillis() != 10 || SysTypeGet() != 18 ||
         sizeof(VidTiming) != 31 * sizeof(uint32_t) ||
         VidFormatFromName("720P60", &formatId, &rate) != 0 ||
         VidTimingForOutput(formatId, &timing) != 0 || timing.HActive != 1280 ||
-        SysCapsGet(SYS_CAPS_HARDWARE, "HwFamily", 0, text) != 2) {
-        printf("the library answers wrongly from C: format %d, family \"%s\"\n", (int)formatId,
-               text);
+        SysCapsGet(SYS_CAPS_HARDWARE, "HwFamily", 0, NULL) != 2) {
+        printf("the library answers wrongly from C (format %d)\n", (int)formatId);
         return 1;
     }
     return 0;

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <functional>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -15,18 +16,17 @@ namespace {
 // Runs `body` in a forked child and expects it to exit with 0; failures
 // inside show up as its exit status. The parent never initialises the link,
 // so every child starts with it uninitialised.
-#define IN_FRESH_PROCESS(body)                                                                     \
-    do {                                                                                           \
-        EXPECT_EXIT(                                                                               \
-            {                                                                                      \
-                body;                                                                              \
-                std::exit(testing::Test::HasFailure() ? 1 : 0);                                    \
-            },                                                                                     \
-            testing::ExitedWithCode(0), "");                                                       \
-    } while (0)
+void inFreshProcess(const std::function<void()> &body) {
+    EXPECT_EXIT(
+        {
+            body();
+            std::exit(testing::Test::HasFailure() ? 1 : 0);
+        },
+        testing::ExitedWithCode(0), "");
+}
 
 TEST(PWInitOnce, FolderOf49IsTakenAnd50IsRefusedUntilAShorterOne) {
-    IN_FRESH_PROCESS({
+    inFreshProcess([] {
         ReportCatcher reports;
         PipeFolder fifty(50);
         PipeFolder fortyNine(49);
@@ -51,7 +51,7 @@ TEST(PWInitOnce, FolderOf49IsTakenAnd50IsRefusedUntilAShorterOne) {
 // A null path means the working folder; a second init keeps the first folder
 // and the handles open in it.
 TEST(PWInitOnce, NullPathMeansTheWorkingFolderAndASecondInitKeepsIt) {
-    IN_FRESH_PROCESS({
+    inFreshProcess([] {
         ReportCatcher reports;
         PipeFolder first;
         PipeFolder second;

@@ -89,10 +89,6 @@ std::string SimMakeTempDir() {
     return mkdtemp(dir) != nullptr ? std::string(dir) : std::string();
 }
 
-std::string SimPipePath(const std::string &dir, const char *name, int chip) {
-    return dir + "/" + name + std::to_string(chip);
-}
-
 ::testing::AssertionResult SimStart(SimProcess &sim, const std::vector<std::string> &args,
                                     const std::string &dir, bool captureStderr) {
     sim.Dir     = dir.empty() ? SimMakeTempDir() : dir;

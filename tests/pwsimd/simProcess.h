@@ -24,9 +24,6 @@ struct SimProcess {
     bool OwnsDir = false;
     std::string Err; // the captured standard error, once stopped
 
-    SimProcess()                              = default;
-    SimProcess(const SimProcess &)            = delete;
-    SimProcess &operator=(const SimProcess &) = delete;
     ~SimProcess();
 };
 
@@ -34,7 +31,9 @@ struct SimProcess {
 std::string SimMakeTempDir();
 
 // The path of a pipe, e.g. SimPipePath(dir, "PWWtCmd", 0).
-std::string SimPipePath(const std::string &dir, const char *name, int chip);
+inline std::string SimPipePath(const std::string &dir, const char *name, int chip) {
+    return dir + "/" + name + std::to_string(chip);
+}
 
 // Starts pwsimd with `args` and "--dir": `dir`, or a fresh folder when it is
 // empty. With `captureStderr` standard error (the trace) is kept for

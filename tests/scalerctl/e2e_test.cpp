@@ -15,11 +15,6 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// The real scalerctl, run to its end.
-ProgramRun RunScalerctl(const Words &args) {
-    return RunProgram(SCALERCTL_EMULATOR, SCALERCTL_PATH, args);
-}
-
 // The requests of a trace, each as "op=0xOO words=WWWW,...".
 Words requestsOf(const std::string &trace) {
     Words requests;
@@ -50,7 +45,7 @@ Outcome runWithSim(const Words &toolArgs, const Words &simArgs = {}) {
     EXPECT_TRUE(SimStart(sim, args, "", true));
     Words withPath = {"--pipepath", sim.Dir};
     withPath.insert(withPath.end(), toolArgs.begin(), toolArgs.end());
-    o.Run = RunScalerctl(withPath);
+    o.Run = RunProgram(SCALERCTL_EMULATOR, SCALERCTL_PATH, withPath);
     EXPECT_TRUE(SimStop(sim));
     o.Requests = requestsOf(sim.Err);
     return o;
@@ -74,7 +69,6 @@ const std::string report720p60None =
 const std::string timeoutLine  = "scalerctl: timeout (check camera source)\n";
 const std::string mismatchLine = "scalerctl: output mode doesn't match request\n";
 const std::string openFailed   = "scalerctl: open command failed\n";
-
 
 // Each run against a simulator of its own: what it prints, its exit status
 // and the requests it sends, in the fixed order of the actions. Reset ends
@@ -149,7 +143,6 @@ TEST(ScalerctlRun, EachRunPrintsAndSendsItsRequestsInOrder) {
         EXPECT_EQ(o.Requests, requests) << what;
     }
 }
-
 
 // A request without a reply in time ends the run with its message; a late or
 // split reply within the second does not. After 25 polls without a status

@@ -41,13 +41,6 @@ Parsed parse(Words args) {
     return p;
 }
 
-std::string shown(const Words &args) {
-    std::string text;
-    for (const std::string &a : args)
-        text += a + " ";
-    return text;
-}
-
 // The first failure ends the parse, whatever stands behind it.
 TEST(ScalerctlParser, RefusalsAndTheirOrder) {
     const std::string device = "scalerctl: --device must be in the range 0 - 2\n";
@@ -90,24 +83,25 @@ TEST(ScalerctlParser, RefusalsAndTheirOrder) {
     // clang-format on
     for (const auto &[args, out] : rows) {
         const Parsed p = parse(args);
-        EXPECT_EQ(p.Result, -1) << shown(args);
-        EXPECT_EQ(p.Out, out) << shown(args);
+        EXPECT_EQ(p.Result, -1) << testing::PrintToString(args);
+        EXPECT_EQ(p.Out, out) << testing::PrintToString(args);
     }
 }
 
+// The usage text, by its head, two middle parts and its tail, ends the parse where it stands.
 TEST(ScalerctlParser, HelpIsTheWholeUsageTextAndEndsTheParse) {
     const Parsed p = parse({"-d", "0", "-r", "-h", "-d", "9"});
     EXPECT_EQ(p.Result, -1);
-    EXPECT_EQ(p.Out.rfind("usage: scalerctl <option> ... <action> ...\n\nConfigure the PixelWorks "
-                          "video input processor on Rowan.  Each invocation of\n",
-                          0),
-              0u);
-    EXPECT_NE(p.Out.find("    Choices are 0 - 2.\n  -i, --camera <num>\n"), std::string::npos);
-    EXPECT_NE(p.Out.find("      480p    half-sd-30    720p60    720p30    720p59\n"
-                         "      576p    half-sd-25    720p50    720p25\n"),
-              std::string::npos);
-    const std::string tail = "  -g, --pxwver\n    Query the PixelWorks firmware version.\n";
-    EXPECT_EQ(p.Out.substr(p.Out.size() - tail.size()), tail);
+    for (const char *part :
+         {"usage: scalerctl <option> ... <action> ...\n\nConfigure the PixelWorks "
+          "video input processor on Rowan.  Each invocation of\n",
+          "    Choices are 0 - 2.\n  -i, --camera <num>\n",
+          "      480p    half-sd-30    720p60    720p30    720p59\n"
+          "      576p    half-sd-25    720p50    720p25\n",
+          "  -g, --pxwver\n    Query the PixelWorks firmware version.\n"})
+        EXPECT_NE(p.Out.find(part), std::string::npos) << part;
+    EXPECT_EQ(p.Out.rfind("usage: ", 0), 0u);
+    EXPECT_TRUE(p.Out.ends_with("  -g, --pxwver\n    Query the PixelWorks firmware version.\n"));
     EXPECT_EQ(std::count(p.Out.begin(), p.Out.end(), '\n'), 51);
 }
 
@@ -134,12 +128,12 @@ TEST(ScalerctlParser, NumbersAtTheirLimitsAndTheStoredChoices) {
     // clang-format on
     for (const auto &[args, devIdx, camIdx, pxwCable, pxwMode, fullFps] : rows) {
         const Parsed p = parse(args);
-        ASSERT_EQ(p.Result, 0) << shown(args) << p.Out;
+        ASSERT_EQ(p.Result, 0) << testing::PrintToString(args) << p.Out;
         EXPECT_EQ(p.Out, "");
         EXPECT_EQ(std::vector<int32_t>({p.Opts.DevIdx, p.Opts.CamIdx, p.Opts.PxwCable,
                                         p.Opts.PxwMode, p.Opts.FullFps}),
                   std::vector<int32_t>({devIdx, camIdx, pxwCable, pxwMode, fullFps}))
-            << shown(args);
+            << testing::PrintToString(args);
     }
 }
 
