@@ -11,7 +11,6 @@
 #include <cmath>
 #include <cstring>
 #include <iterator>
-#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -48,11 +47,8 @@ std::vector<VidTiming> Rows(const VidTiming *table) {
 
 // The marks agree with the mode names: WIDTHxHEIGHTatREFRESH rows are VESA-like, the television
 // rows of 720 and 1080 lines are HD video; interlaced are exactly ntsc, pal and the 1080i rows.
-// Rows of one picture with the same sync widths are one timing family and share its sync
-// polarities; the published rows below pin the families that a standard names.
-TEST(VidTimingTables, MarksAgreeWithNamesAndAFamilyHasOneSyncPolarity) {
+TEST(VidTimingTables, MarksAgreeWithModeNames) {
     std::set<int32_t> interlaced;
-    std::map<std::vector<uint32_t>, std::pair<uint32_t, uint32_t>> polarityOf;
     for (const VidTiming &t : Rows(VidTimingMainTable)) {
         const char *name = VidFormatNameOf(t.FormatId);
         ASSERT_NE(name, nullptr) << t.FormatId;
@@ -64,10 +60,6 @@ TEST(VidTimingTables, MarksAgreeWithNamesAndAFamilyHasOneSyncPolarity) {
         EXPECT_EQ(t.VFieldMark != 0, t.VActive2 != 0) << n;
         if (t.VActive2 != 0)
             interlaced.insert(t.FormatId);
-        const auto [it, fresh] = polarityOf.insert(
-            {{t.HActive, t.VActive + t.VActive2, t.HSyncWidth, t.VSyncWidth, t.IsHdVideo},
-             {t.HSyncPositive, t.VSyncPositive}});
-        EXPECT_TRUE(fresh || it->second == std::pair(t.HSyncPositive, t.VSyncPositive)) << n;
     }
     EXPECT_EQ(interlaced, (std::set<int32_t>{1, 2, 73, 74, 78, 79}));
 }
@@ -118,8 +110,11 @@ const Standard standards[] = {
 };
 // clang-format on
 
+// The system's own rasters, the rows that copy no standard, drive both syncs positive.
 TEST(VidTimingTables, StandardRowsMatchThePublishedTimings) {
+    std::set<int32_t> published;
     for (const Standard &s : standards) {
+        published.insert(s.Id);
         const VidTiming t = Main(s.Id);
         EXPECT_EQ(std::vector<uint32_t>({t.PixelClockKHz, t.HActive, t.HFrontPorch, t.HSyncWidth,
                                          t.HBackPorch, t.VActive, t.VFrontPorch, t.VSyncWidth,
@@ -128,17 +123,24 @@ TEST(VidTimingTables, StandardRowsMatchThePublishedTimings) {
                                          s.VSync, s.VBp, s.HPos, s.VPos}))
             << VidFormatNameOf(s.Id);
     }
+    for (const VidTiming &t : Rows(VidTimingMainTable))
+        EXPECT_TRUE(published.count(t.FormatId) != 0 || (t.HSyncPositive && t.VSyncPositive))
+            << VidFormatNameOf(t.FormatId);
 }
 
-// On 74250 kHz each format's totals give its own frame rate or half of it, within 0.25%; the
-// 1080-line formats and 1280x960 at 60 Hz take the standard rasters of 1080p30 and 1080p25 on
-// that clock (CTA-861 VIC 34 and 33), and 480p, 1024x768 and 1600x1200 the worked examples.
+// On 74250 kHz each format's totals give its own frame rate or half of it: within 0.01%, a
+// step smaller than one pixel or line of any row, but for six rasters that only come near it
+// (within 0.25%). The 1080-line formats and 1280x960 at 60 Hz take the standard rasters of
+// 1080p30 and 1080p25 on that clock (CTA-861 VIC 34 and 33), and 480p, 1024x768 and 1600x1200
+// the worked examples.
 TEST(VidTimingTotals74, EachGivesItsRateOrHalfOnTheOneClock) {
+    const std::set<int32_t> near = {4, 13, 14, 16, 17, 25};
     for (const auto &row : VidTimingTotals74Table) {
         const double own  = Main(row.FormatId).FrameRateMilliHz / 1000.0;
         const double on74 = 74250000.0 / (row.HTotal * row.VTotal);
         const double off  = std::min(std::fabs(on74 / own - 1), std::fabs(2 * on74 / own - 1));
-        EXPECT_LT(off, 0.0025) << row.FormatId << ": " << on74 << " Hz for " << own;
+        EXPECT_LT(off, near.count(row.FormatId) != 0 ? 0.0025 : 0.0001)
+            << row.FormatId << ": " << on74 << " Hz for " << own;
     }
     // clang-format off
     /* FormatId, HTotal, VTotal (0: not given) */
