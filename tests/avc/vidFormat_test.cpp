@@ -7,12 +7,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
 #include <regex>
-#include <set>
 #include <string>
 #include <tuple>
 

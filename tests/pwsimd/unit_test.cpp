@@ -85,17 +85,12 @@ TEST(PwsimdOptions, RefusesBadCommandLinesWithAMessage) {
     }
 }
 
-// Feeds `bytes` into a stream in pieces of `piece` bytes and collects what
-// comes out: requests and the counts skipped.
-struct Taken {
-    std::vector<PWMsg> Requests;
-    std::vector<std::size_t> Skipped;
-};
-
-Taken feed(const Bytes &bytes, std::size_t piece) {
+// Feeds `bytes` into a stream in pieces of `piece` bytes: the requests that
+// come out, and the count of bytes skipped.
+std::pair<std::vector<PWMsg>, std::size_t> feed(const Bytes &bytes, std::size_t piece) {
     SimStream stream;
     SimStreamInit(stream, PW_INTERFACE_CMD);
-    Taken taken;
+    std::pair<std::vector<PWMsg>, std::size_t> taken{{}, 0};
     for (std::size_t at = 0; at < bytes.size(); at += piece) {
         std::size_t room = 0;
         uint8_t *space   = SimStreamSpace(stream, room);
@@ -108,9 +103,9 @@ Taken feed(const Bytes &bytes, std::size_t piece) {
         std::size_t skipped = 0;
         for (SimTake t; (t = SimStreamTake(stream, msg, skipped)) != SimTake::none;) {
             if (t == SimTake::request)
-                taken.Requests.push_back(msg);
+                taken.first.push_back(msg);
             else
-                taken.Skipped.push_back(skipped);
+                taken.second += skipped;
         }
     }
     return taken;
@@ -136,16 +131,13 @@ TEST(PwsimdStream, ResynchronisesOnGarbageAndBadPackets) {
     add(reset);
 
     for (std::size_t piece : {std::size_t{1}, std::size_t{3}, std::size_t{7}, stream.size()}) {
-        Taken t = feed(stream, piece);
-        ASSERT_EQ(t.Requests.size(), 3u) << "piece " << piece;
-        EXPECT_EQ(t.Requests[0].Opcode, pwOpSetCable);
-        EXPECT_EQ(words(t.Requests[0]), words(cable));
-        EXPECT_EQ(t.Requests[1].Opcode, pwOpSetGains);
-        EXPECT_EQ(words(t.Requests[1]), words(gains));
-        EXPECT_EQ(t.Requests[2].Opcode, pwOpReset);
-        std::size_t skipped = 0;
-        for (std::size_t s : t.Skipped)
-            skipped += s;
+        const auto [requests, skipped] = feed(stream, piece);
+        ASSERT_EQ(requests.size(), 3u) << "piece " << piece;
+        EXPECT_EQ(requests[0].Opcode, pwOpSetCable);
+        EXPECT_EQ(words(requests[0]), words(cable));
+        EXPECT_EQ(requests[1].Opcode, pwOpSetGains);
+        EXPECT_EQ(words(requests[1]), words(gains));
+        EXPECT_EQ(requests[2].Opcode, pwOpReset);
         EXPECT_EQ(skipped, 3u + 10u + 20u + 8u + 4u) << "piece " << piece;
     }
 }

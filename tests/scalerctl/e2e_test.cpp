@@ -68,7 +68,6 @@ const std::string report720p60None =
 
 const std::string timeoutLine  = "scalerctl: timeout (check camera source)\n";
 const std::string mismatchLine = "scalerctl: output mode doesn't match request\n";
-const std::string openFailed   = "scalerctl: open command failed\n";
 
 // Each run against a simulator of its own: what it prints, its exit status
 // and the requests it sends, in the fixed order of the actions. Reset ends
@@ -131,7 +130,7 @@ TEST(ScalerctlRun, EachRunPrintsAndSendsItsRequestsInOrder) {
          "scalerctl: --device must be in the range 0 - 2\n", 1, {}},
         {{}, {"-p", "/" + std::string(49, 'p'), "-d", "0", "-r"},
          "scalerctl: init command returned -3\n", 1, {}},
-        {{}, {"-p", "/nonexistent", "-d", "0", "-r"}, openFailed, 1, {}},
+        {{}, {"-p", "/nonexistent", "-d", "0", "-r"}, "scalerctl: open command failed\n", 1, {}},
     };
     // clang-format on
     for (const auto &[simArgs, toolArgs, out, status, requests] : rows) {
