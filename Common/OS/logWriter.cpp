@@ -9,6 +9,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <sched.h>
 #include <syslog.h>
 
 namespace {
@@ -70,6 +71,19 @@ void logPrintRecord(char *record, FILE *out) {
     }
 }
 
+// After a drain the writer yields a few times before it sleeps: a line that
+// comes meanwhile, as the next line of a burst does, finds it awake and costs
+// its producer no wake-up through the kernel. Whether a line came.
+bool logLingerBrought() {
+    constexpr int logLingerYields = 4;
+    for (int i = 0; i < logLingerYields; ++i) {
+        sched_yield();
+        if (!logRingEmpty())
+            return true;
+    }
+    return false;
+}
+
 void logWriterEntry(uint32_t, uint32_t, uint32_t, uint32_t) {
     LogWriterTask();
 }
@@ -123,9 +137,11 @@ extern "C" void LogWriterTask(void) {
     for (;;) {
         uint32_t received = 0;
         ev_receive(0xffff, EV_ANY, 0, &received);
-        // Before the drain reads the tail: see LogEnqueue.
-        logWakePending.exchange(false, std::memory_order_acq_rel);
-        LogDrain();
+        do {
+            // Before the drain reads the tail: see LogEnqueue.
+            logWakePending.exchange(false, std::memory_order_acq_rel);
+            LogDrain();
+        } while (logLingerBrought());
         OsLockHold hold(&logSyncLock);
         pthread_cond_broadcast(&logSyncDrained);
     }
