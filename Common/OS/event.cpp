@@ -3,6 +3,7 @@
 #include "Common/OS/log.h"
 #include "Common/OS/osAssert.h"
 #include "Common/OS/timerInternal.h"
+#include "Common/OS/timerSeam.h"
 
 #include <atomic>
 
@@ -26,7 +27,13 @@ uint32_t evWord(Tcb *tcb) {
     return std::atomic_ref(tcb->events).load(std::memory_order_relaxed);
 }
 
+std::atomic<EvReceiveBeforeCancel> evReceiveBeforeCancel{nullptr};
+
 } // namespace
+
+void EvReceiveBeforeCancelSet(EvReceiveBeforeCancel hook) {
+    evReceiveBeforeCancel.store(hook, std::memory_order_release);
+}
 
 extern "C" uint32_t AtomicOr(uint32_t *word, uint32_t bits) {
     return std::atomic_ref(*word).fetch_or(bits, std::memory_order_relaxed) | bits;
@@ -133,8 +140,11 @@ extern "C" int ev_receive(uint32_t wanted, uint32_t flags, uint32_t timeout, uin
         }
         unlocked = hold.release();
     }
-    if (timed && result == 0 && timer != nullptr)
+    if (timed && result == 0 && timer != nullptr) {
+        if (EvReceiveBeforeCancel hook = evReceiveBeforeCancel.load(std::memory_order_acquire))
+            hook(timer);
         timerCancelOwned(timer, tcb, evReceiveTimer);
+    }
     if (noTimer)
         timerLogPoolEmpty();
     if (locked != 0)

@@ -10,4 +10,11 @@ void TimerTicksByHand();
 // How many timers are active now.
 int TimerActiveCount();
 
+// Called on a task whose timed wait ended by its events, with the wait's
+// timer, just before the wait cancels that timer: the moment in which the
+// timer may fire and its record serve another timer. Null: nothing.
+struct Timer;
+using EvReceiveBeforeCancel = void (*)(Timer *timer);
+void EvReceiveBeforeCancelSet(EvReceiveBeforeCancel hook);
+
 #endif

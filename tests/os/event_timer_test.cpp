@@ -161,6 +161,29 @@ TEST_F(OsEvent, TimersFireOnTheirTickRepeatWithoutDriftAndGoBackInOrder) {
     EXPECT_NE(log.take().back().find("FreeTimer pList is not consistent"), std::string::npos);
 }
 
+// Events and the time-out meet: the wait's timer fires, and its record
+// serves a new timer, before the wait cancels it; the cancel leaves it alone.
+TEST_F(OsEvent, AWaitsLateCancelLeavesItsRecordsNewTimerAlone) {
+    static Timer *reused = nullptr;
+    EvReceiveBeforeCancelSet([](Timer *timer) {
+        tm_tick();
+        EXPECT_EQ(tm_evafter(5, 0x4, &reused), 0);
+        EXPECT_EQ(reused, timer);
+    });
+    Tcb *self = FindTcb(pthread_self());
+    std::thread sender([self] {
+        while (TimerActiveCount() == 0)
+            sched_yield();
+        ev_send(self, 0x2);
+    });
+    uint32_t out = 0;
+    EXPECT_EQ(ev_receive(0x2, 0, 1, &out), 0);
+    sender.join();
+    EvReceiveBeforeCancelSet(nullptr);
+    EXPECT_EQ(TimerActiveCount(), 1);
+    EXPECT_EQ(tm_cancel(reused), 0);
+}
+
 // A deletion stops the task's timers and timed wait, alone and among timed
 // waits, sends and ticks, bounded by counts; TSan watches.
 void timersAndWaits(uint32_t, uint32_t, uint32_t, uint32_t) {
