@@ -84,6 +84,13 @@ bool logLingerBrought() {
     return false;
 }
 
+// The producers' semaphore, free; its result isn't looked at.
+void logSemCreate() {
+    Semaphore *sem = nullptr;
+    sm_create("logw", 1, 2, &sem);
+    logSem.store(sem, std::memory_order_release);
+}
+
 void logWriterEntry(uint32_t, uint32_t, uint32_t, uint32_t) {
     LogWriterTask();
 }
@@ -100,12 +107,9 @@ LogForwarder LogForwarderSet(LogForwarder forwarder) {
 
 void LogRingHold() {
     OS_ASSERT(logTask.load() == nullptr);
-    if (logSem.load() == nullptr) {
-        Semaphore *sem     = nullptr;
-        const int creation = sm_create("logw", 1, 2, &sem);
-        OS_ASSERT(creation == 0);
-        logSem.store(sem, std::memory_order_release);
-    }
+    if (logSem.load() == nullptr)
+        logSemCreate();
+    OS_ASSERT(logSem.load() != nullptr);
     logWriterRuns.store(true, std::memory_order_relaxed);
 }
 
@@ -152,9 +156,7 @@ extern "C" void LogWriterStart(void) {
     logRing[0] = '\0';
     logHead.store(0, std::memory_order_relaxed);
     logTail.store(0, std::memory_order_relaxed);
-    Semaphore *sem = nullptr;
-    sm_create("logw", 1, 2, &sem);
-    logSem.store(sem, std::memory_order_release);
+    logSemCreate(); // a failure leaves it null: lines are then dropped
 
     Tcb *task = nullptr;
     if (t_create("logw", 0, 2048, 0, 0, &task) != 0) {

@@ -47,6 +47,17 @@ class OsLockHold {
     pthread_mutex_t *lock;
 };
 
+// Keeps cancellation off for a scope: around a step that must run whole
+// even when its task is deleted (a deletion, a file open and read at once).
+// Neither the constructor nor the destructor is a cancellation point.
+struct OsCancelOff {
+    OsCancelOff() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &old); }
+    ~OsCancelOff() { pthread_setcancelstate(old, nullptr); }
+    OsCancelOff(const OsCancelOff &)            = delete;
+    OsCancelOff &operator=(const OsCancelOff &) = delete;
+    int old                                     = PTHREAD_CANCEL_ENABLE;
+};
+
 // 1 when the thread library is NPTL (the start value); written only by the
 // OS start's probe, before any task runs, and read without a lock.
 int osIsNptlGet();

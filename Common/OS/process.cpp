@@ -112,11 +112,10 @@ extern "C" int32_t isNfsRoot(void) {
     if (known != -2)
         return known;
     char line[nfsLineSize];
-    int32_t value = 0;
-    if (commandLine("mount | grep \"on / type nfs\"", line, sizeof line) == 0)
-        for (const char *c = line; *c != '\0' && value == 0; ++c)
-            if (static_cast<unsigned char>(*c) > 32)
-                value = -1;
+    // commandLine trims the line: any text left is the root's mount line.
+    const bool mounted =
+        commandLine("mount | grep \"on / type nfs\"", line, sizeof line) == 0 && line[0] != '\0';
+    const int32_t value = mounted ? -1 : 0;
     nfsRoot.store(value, std::memory_order_relaxed);
     return value;
 }

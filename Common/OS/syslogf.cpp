@@ -99,6 +99,16 @@ int rtHexValue(char c) {
     return at == nullptr ? -1 : static_cast<int>(static_cast<const char *>(at) - rtHexDigits);
 }
 
+// Whether `category` is one of the table's; reports `operation`'s refusal
+// when it isn't.
+bool rtCategoryInBounds(uint32_t category, const char *operation) {
+    if (category < RT_CATEGORY_COUNT)
+        return true;
+    CmDebgPrintf(rtReportLevel, rtReportCategory, "", "%s:  category %d out of bounds\n", operation,
+                 static_cast<int>(category));
+    return false;
+}
+
 } // namespace
 
 extern "C" {
@@ -120,23 +130,15 @@ int32_t CmDebgInit(void) {
 }
 
 int32_t CmDebgCategoryEnable(uint32_t category) {
-    if (category >= RT_CATEGORY_COUNT) {
-        CmDebgPrintf(rtReportLevel, rtReportCategory, "",
-                     "CmDebgCategoryEnable:  category %d out of bounds\n",
-                     static_cast<int>(category));
+    if (!rtCategoryInBounds(category, __func__))
         return CMDEBG_OUT_OF_BOUNDS;
-    }
     rtFlag(category).fetch_or(RT_FLAG_DEBUG | RT_FLAG_LISTEN, std::memory_order_relaxed);
     return 0;
 }
 
 int32_t CmDebgCategoryDisable(uint32_t category) {
-    if (category >= RT_CATEGORY_COUNT) {
-        CmDebgPrintf(rtReportLevel, rtReportCategory, "",
-                     "CmDebgCategoryDisable:  category %d out of bounds\n",
-                     static_cast<int>(category));
+    if (!rtCategoryInBounds(category, __func__))
         return CMDEBG_OUT_OF_BOUNDS;
-    }
     // Debug only: the category stays listened to.
     rtFlag(category).fetch_and(static_cast<uint8_t>(~RT_FLAG_DEBUG), std::memory_order_relaxed);
     return 0;

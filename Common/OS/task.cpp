@@ -249,10 +249,11 @@ int taskDeleteDisabled(Tcb *tcb, TaskExit exit) {
 }
 
 int taskDelete(Tcb *tcb, TaskExit exit) {
-    int state = PTHREAD_CANCEL_ENABLE;
-    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
-    const int result = taskDeleteDisabled(tcb, exit);
-    pthread_setcancelstate(state, nullptr);
+    int result = 0;
+    {
+        OsCancelOff noCancel;
+        result = taskDeleteDisabled(tcb, exit);
+    }
     pthread_testcancel();
     return result;
 }

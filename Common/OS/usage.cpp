@@ -199,7 +199,7 @@ struct UsageDirHold {
     ~UsageDirHold() {
         if (usageProcDir == nullptr)
             return;
-        UsageNoCancel noCancel;
+        OsCancelOff noCancel;
         closedir(usageProcDir);
         usageProcDir = nullptr;
     }

@@ -1,5 +1,6 @@
 // Reading a stat line of /proc for the usage report.
 #include "Common/OS/usageStat.h"
+#include "Common/OS/osLocks.h"
 
 #include <cstdio>
 #include <cstring>
@@ -15,7 +16,7 @@ bool usageStatRead(const char *path, UsageStat *stat) {
     char line[usageLineBytes];
     {
         // The file is open only here and read at once.
-        UsageNoCancel noCancel;
+        OsCancelOff noCancel;
         FILE *file = std::fopen(path, "r");
         if (file == nullptr)
             return false;

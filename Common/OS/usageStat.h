@@ -4,22 +4,11 @@
 #define COMMON_OS_USAGESTAT_H
 
 #include <cstdint>
-#include <pthread.h>
 
 struct UsageStat {
     char name[16];  // the command, at most 15 characters, zero-filled
     uint32_t utime; // user time in clock ticks
     uint32_t stime; // system time in clock ticks
-};
-
-// Keeps cancellation off for a scope, around a resource that must not be
-// left open when a task is deleted while it reports.
-struct UsageNoCancel {
-    UsageNoCancel() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &old); }
-    ~UsageNoCancel() { pthread_setcancelstate(old, nullptr); }
-    UsageNoCancel(const UsageNoCancel &)            = delete;
-    UsageNoCancel &operator=(const UsageNoCancel &) = delete;
-    int old                                         = PTHREAD_CANCEL_ENABLE;
 };
 
 // Reads the stat line at `path`. False when the file can't be opened or
